@@ -1,0 +1,12 @@
+#!/usr/bin/env bash
+# Builds the benchmarks in Release and runs them; extra arguments go to every program
+# (for instance --benchmark_filter=Copy).
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/deps.sh qt6-base-dev libboost-serialization-dev
+cmake --preset bench >/dev/null
+cmake --build --preset bench
+for b in build/bench/bench/*_bench; do
+  echo "== $(basename "$b")"
+  "$b" "$@"
+done

@@ -1,0 +1,6 @@
+#!/usr/bin/env bash
+# Builds the library and runs every test suite (Debug build).
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/deps.sh
+cmake --workflow --preset test
