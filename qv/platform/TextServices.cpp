@@ -1,0 +1,584 @@
+#include "qv/platform/TextServices.h"
+
+#include "qv/platform/CodePage.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <unicode/uchar.h>
+#include <unicode/ucol.h>
+#include <unicode/uset.h>
+#include <unicode/ustring.h>
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define QV_PLAIN_STRLEN 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer) ||                         \
+    __has_feature(memory_sanitizer)
+#define QV_PLAIN_STRLEN 1
+#endif
+#endif
+
+namespace qv::platform {
+
+// ---------------------------------------------------------------------------------------------
+// Length
+
+int lstrlenW(char16_t const* s) {
+    if (s == nullptr)
+        return 0;
+    char16_t const* p = s;
+#ifndef QV_PLAIN_STRLEN
+    // Four units at a time. Loads are 8-byte aligned, so a load never crosses into the page
+    // after the one holding the terminator; what it reads past the terminator is ignored.
+    if ((reinterpret_cast<std::uintptr_t>(p) & 1) == 0) {
+        while ((reinterpret_cast<std::uintptr_t>(p) & 7) != 0) {
+            if (*p == 0)
+                return static_cast<int>(p - s);
+            ++p;
+        }
+        constexpr std::uint64_t ones = 0x0001000100010001ull;
+        constexpr std::uint64_t highs = 0x8000800080008000ull;
+        for (;;) {
+            std::uint64_t word;
+            std::memcpy(&word, p, sizeof word);
+            if (((word - ones) & ~word & highs) != 0)
+                break;
+            p += 4;
+        }
+    }
+#endif
+    while (*p != 0)
+        ++p;
+    return static_cast<int>(p - s);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Collation
+
+namespace {
+
+// One collator configuration, immutable once built. Comparisons on many threads share it:
+// ICU's collators are safe for concurrent use as long as nobody changes their attributes, and
+// nothing does after Build. A locale change publishes a new instance; threads still holding the
+// old one finish their comparison with it.
+struct Collation {
+    UCollator* tertiary = nullptr;
+    UCollator* secondary = nullptr;
+
+    // Printable ASCII is by far the most common input. Each such character is one collation
+    // element with a non-zero primary weight in the usual locales, so comparing rank tables
+    // gives ICU's answer without ICU's per-call overhead. A rank of 0 marks a unit the tables
+    // cannot answer for (controls are ignorable, everything above 0x7E may combine).
+    bool fast = false;
+    std::uint8_t primary[128] = {};
+    std::uint8_t tertiaryRank[128] = {};
+
+    Collation() = default;
+    Collation(Collation const&) = delete;
+    Collation& operator=(Collation const&) = delete;
+    ~Collation() {
+        if (tertiary != nullptr)
+            ucol_close(tertiary);
+        if (secondary != nullptr)
+            ucol_close(secondary);
+    }
+};
+
+constexpr char16_t firstFast = 0x20;
+constexpr char16_t lastFast = 0x7E;
+
+// True when the locale has a contraction made only of printable ASCII ("ch" in Czech): such a
+// pair is one collation element and the per-character tables would be wrong.
+bool HasAsciiContraction(UCollator const* coll) {
+    UErrorCode status = U_ZERO_ERROR;
+    USet* contractions = uset_openEmpty();
+    USet* expansions = uset_openEmpty();
+    ucol_getContractionsAndExpansions(coll, contractions, expansions, true, &status);
+    bool found = U_FAILURE(status);
+    for (char16_t c = firstFast; !found && c <= lastFast; ++c)
+        found = uset_contains(expansions, c) || uset_contains(contractions, c);
+    int32_t const items = uset_getItemCount(contractions);
+    UChar buffer[64];
+    for (int32_t i = 0; !found && i < items; ++i) {
+        UChar32 start = 0;
+        UChar32 end = 0;
+        UErrorCode itemStatus = U_ZERO_ERROR;
+        int32_t const length = uset_getItem(contractions, i, &start, &end, buffer, 64, &itemStatus);
+        if (length <= 0)
+            continue;
+        if (U_FAILURE(itemStatus)) {
+            found = true;
+            break;
+        }
+        found = std::all_of(buffer, buffer + length,
+                            [](UChar u) { return u >= firstFast && u <= lastFast; });
+    }
+    uset_close(contractions);
+    uset_close(expansions);
+    return found;
+}
+
+// Ranks of the printable ASCII characters as the collators order them; fast stays false when
+// a check shows the tables would not reproduce ICU's answer for every ASCII string.
+void BuildFastTables(Collation& c, char const* locale) {
+    UErrorCode status = U_ZERO_ERROR;
+    UCollator* primary = ucol_open(locale, &status);
+    if (U_FAILURE(status))
+        return;
+    ucol_setStrength(primary, UCOL_PRIMARY);
+    auto cmp = [](UCollator const* coll, char16_t x, char16_t y) {
+        return ucol_strcoll(coll, &x, 1, &y, 1);
+    };
+
+    bool ok = ucol_getAttribute(c.tertiary, UCOL_NUMERIC_COLLATION, &status) != UCOL_ON &&
+              U_SUCCESS(status) && !HasAsciiContraction(c.tertiary);
+    // Each character must weigh something at the primary level (an ignorable one would make
+    // "a b" equal "ab"), which also rules out locales that shift punctuation.
+    for (char16_t ch = firstFast; ok && ch <= lastFast; ++ch)
+        ok = ucol_strcoll(primary, &ch, 1, nullptr, 0) > 0;
+
+    char16_t chars[lastFast - firstFast + 1];
+    for (char16_t ch = firstFast; ch <= lastFast; ++ch)
+        chars[ch - firstFast] = ch;
+    constexpr int count = lastFast - firstFast + 1;
+
+    if (ok) {
+        std::sort(chars, chars + count,
+                  [&](char16_t x, char16_t y) { return cmp(primary, x, y) < 0; });
+        std::uint8_t rank = 0;
+        for (int i = 0; i < count; ++i) {
+            if (i == 0 || cmp(primary, chars[i - 1], chars[i]) != 0)
+                ++rank;
+            c.primary[chars[i]] = rank;
+        }
+        std::sort(chars, chars + count,
+                  [&](char16_t x, char16_t y) { return cmp(c.tertiary, x, y) < 0; });
+        rank = 0;
+        for (int i = 0; i < count; ++i) {
+            if (i == 0 || cmp(c.tertiary, chars[i - 1], chars[i]) != 0)
+                ++rank;
+            c.tertiaryRank[chars[i]] = rank;
+        }
+        // Characters sharing a primary weight must differ at most at the tertiary level
+        // (case); a secondary difference or a case level would need more than two tables.
+        for (char16_t x = firstFast; ok && x <= lastFast; ++x)
+            for (char16_t y = firstFast; ok && y <= lastFast; ++y)
+                if (c.primary[x] == c.primary[y])
+                    ok = cmp(c.secondary, x, y) == 0;
+    }
+    ucol_close(primary);
+    c.fast = ok;
+}
+
+std::shared_ptr<Collation const> Build(char const* locale) {
+    auto c = std::make_shared<Collation>();
+    UErrorCode status = U_ZERO_ERROR;
+    c->tertiary = ucol_open(locale, &status);
+    if (U_FAILURE(status))
+        return nullptr;
+    c->secondary = ucol_open(locale, &status);
+    if (U_FAILURE(status))
+        return nullptr;
+    ucol_setStrength(c->tertiary, UCOL_TERTIARY);
+    ucol_setStrength(c->secondary, UCOL_SECONDARY);
+    BuildFastTables(*c, locale);
+    return c;
+}
+
+std::mutex collationMutex;
+std::shared_ptr<Collation const> currentCollation;
+std::atomic<unsigned> collationGeneration{0};
+
+// Each thread keeps the instance it last used and only takes the lock when a locale change
+// has been published since, so a comparison costs one atomic load.
+struct CollationCache {
+    unsigned generation = ~0u;
+    std::shared_ptr<Collation const> collation;
+};
+thread_local CollationCache collationCache;
+
+Collation const& CurrentCollation() {
+    CollationCache& cache = collationCache;
+    unsigned const generation = collationGeneration.load(std::memory_order_acquire);
+    if (cache.collation && cache.generation == generation)
+        return *cache.collation;
+    std::lock_guard lock(collationMutex);
+    if (!currentCollation)
+        currentCollation = Build("");
+    cache.collation = currentCollation;
+    cache.generation = collationGeneration.load(std::memory_order_relaxed);
+    return *cache.collation;
+}
+
+int Sign(int v) {
+    return (v > 0) - (v < 0);
+}
+
+// The table answer for two terminated strings of printable ASCII, or 2 when either holds a
+// unit the tables do not cover. Primary weights over the whole strings decide first; only when
+// they are all equal (so both strings have the same length) does the first case difference.
+template <typename Unit>
+int FastCompare(Collation const& c, Unit const* a, Unit const* b, bool caseSensitive) {
+    using U = std::make_unsigned_t<Unit>;
+    auto valid = [&](U u) { return u < 128 && c.primary[u] != 0; };
+    auto validRest = [&](Unit const* p) {
+        for (; *p != 0; ++p)
+            if (!valid(static_cast<U>(*p)))
+                return false;
+        return true;
+    };
+    int tertiaryOrder = 0;
+    for (std::size_t i = 0;; ++i) {
+        U const x = static_cast<U>(a[i]);
+        U const y = static_cast<U>(b[i]);
+        if (x == 0 || y == 0) {
+            if (x == 0 && y == 0)
+                return caseSensitive ? tertiaryOrder : 0;
+            if (x == 0)
+                return validRest(b + i) ? -1 : 2;
+            return validRest(a + i) ? 1 : 2;
+        }
+        if (!valid(x) || !valid(y))
+            return 2;
+        if (x == y)
+            continue;
+        std::uint8_t const px = c.primary[x];
+        std::uint8_t const py = c.primary[y];
+        if (px != py)
+            return validRest(a + i + 1) && validRest(b + i + 1) ? (px < py ? -1 : 1) : 2;
+        if (tertiaryOrder == 0) {
+            std::uint8_t const tx = c.tertiaryRank[x];
+            std::uint8_t const ty = c.tertiaryRank[y];
+            tertiaryOrder = tx < ty ? -1 : (tx > ty ? 1 : 0);
+        }
+    }
+}
+
+int CompareWide(char16_t const* a, char16_t const* b, bool caseSensitive) {
+    if (a == nullptr || b == nullptr)
+        return (a != nullptr) - (b != nullptr);
+    Collation const& c = CurrentCollation();
+    if (c.fast) {
+        int const r = FastCompare(c, a, b, caseSensitive);
+        if (r != 2)
+            return r;
+    }
+    UCollator const* coll = caseSensitive ? c.tertiary : c.secondary;
+    return Sign(ucol_strcoll(coll, a, -1, b, -1));
+}
+
+std::u16string FromAnsi(char const* s) {
+    int const needed = MultiByteToWideChar(s, -1, nullptr, 0);
+    std::u16string out(static_cast<std::size_t>(needed > 0 ? needed : 1), u'\0');
+    if (needed > 0)
+        MultiByteToWideChar(s, -1, out.data(), needed);
+    out.resize(out.size() - 1);
+    return out;
+}
+
+int CompareAnsi(char const* a, char const* b, bool caseSensitive) {
+    if (a == nullptr || b == nullptr)
+        return (a != nullptr) - (b != nullptr);
+    Collation const& c = CurrentCollation();
+    // Printable ASCII reads the same in every ANSI code page we support.
+    if (c.fast) {
+        int const r = FastCompare(c, a, b, caseSensitive);
+        if (r != 2)
+            return r;
+    }
+    std::u16string const wa = FromAnsi(a);
+    std::u16string const wb = FromAnsi(b);
+    UCollator const* coll = caseSensitive ? c.tertiary : c.secondary;
+    return Sign(ucol_strcoll(coll, wa.data(), static_cast<int32_t>(wa.size()), wb.data(),
+                             static_cast<int32_t>(wb.size())));
+}
+
+} // namespace
+
+int lstrcmpW(char16_t const* a, char16_t const* b) {
+    return CompareWide(a, b, true);
+}
+int lstrcmpiW(char16_t const* a, char16_t const* b) {
+    return CompareWide(a, b, false);
+}
+int lstrcmpA(char const* a, char const* b) {
+    return CompareAnsi(a, b, true);
+}
+int lstrcmpiA(char const* a, char const* b) {
+    return CompareAnsi(a, b, false);
+}
+
+bool SetCollationLocale(char const* localeName) {
+    if (localeName == nullptr)
+        localeName = "";
+    // ICU opens a collator for any well-formed name, falling back to a parent or the root; a
+    // name it knows nothing about would silently compare as root, so insist on a real match.
+    if (*localeName != '\0') {
+        UErrorCode status = U_ZERO_ERROR;
+        UCollator* probe = ucol_open(localeName, &status);
+        if (U_FAILURE(status) || status == U_USING_DEFAULT_WARNING) {
+            if (probe != nullptr)
+                ucol_close(probe);
+            return false;
+        }
+        ucol_close(probe);
+    }
+    std::shared_ptr<Collation const> next = Build(localeName);
+    if (!next)
+        return false;
+    std::lock_guard lock(collationMutex);
+    currentCollation = std::move(next);
+    collationGeneration.fetch_add(1, std::memory_order_release);
+    return true;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Search
+
+namespace {
+
+// Simple case folding of one unit: what the case-blind searches compare. Surrogates and units
+// whose folding would leave the BMP stay as they are.
+inline char16_t Fold(char16_t c) {
+    if (c < 0x80)
+        return (c >= u'A' && c <= u'Z') ? static_cast<char16_t>(c + 32) : c;
+    if (c >= 0xD800 && c <= 0xDFFF)
+        return c;
+    UChar32 const f = u_foldCase(c, U_FOLD_CASE_DEFAULT);
+    return f <= 0xFFFF ? static_cast<char16_t>(f) : c;
+}
+
+inline char FoldA(char c) {
+    return (c >= 'A' && c <= 'Z') ? static_cast<char>(c + 32) : c;
+}
+
+template <typename Unit, typename F>
+Unit const* Find(Unit const* s, Unit const* find, F fold) {
+    if (s == nullptr || find == nullptr || *find == 0)
+        return nullptr;
+    Unit const first = fold(*find);
+    for (; *s != 0; ++s) {
+        if (fold(*s) != first)
+            continue;
+        std::size_t i = 1;
+        while (find[i] != 0 && s[i] != 0 && fold(s[i]) == fold(find[i]))
+            ++i;
+        if (find[i] == 0)
+            return s;
+        if (s[i] == 0)
+            return nullptr; // the rest of s is shorter than the needle
+    }
+    return nullptr;
+}
+
+template <typename Unit, typename F>
+Unit const* FindChar(Unit const* s, Unit c, F fold) {
+    if (s == nullptr)
+        return nullptr;
+    Unit const fc = fold(c);
+    for (; *s != 0; ++s)
+        if (fold(*s) == fc)
+            return s;
+    return nullptr;
+}
+
+inline char16_t Same(char16_t c) {
+    return c;
+}
+inline char SameA(char c) {
+    return c;
+}
+
+} // namespace
+
+char16_t const* StrChrW(char16_t const* s, char16_t c) {
+    return FindChar(s, c, Same);
+}
+char16_t const* StrChrIW(char16_t const* s, char16_t c) {
+    return FindChar(s, c, Fold);
+}
+
+char16_t const* StrRChrW(char16_t const* s, char16_t const* end, char16_t c) {
+    if (s == nullptr)
+        return nullptr;
+    char16_t const* last = nullptr;
+    for (char16_t const* p = s; (end == nullptr || p < end) && *p != 0; ++p)
+        if (*p == c)
+            last = p;
+    return last;
+}
+
+char16_t const* StrStrW(char16_t const* s, char16_t const* find) {
+    return Find(s, find, Same);
+}
+char16_t const* StrStrIW(char16_t const* s, char16_t const* find) {
+    return Find(s, find, Fold);
+}
+
+char const* StrChrA(char const* s, int c) {
+    return FindChar(s, static_cast<char>(c), SameA);
+}
+char const* StrChrIA(char const* s, int c) {
+    return FindChar(s, static_cast<char>(c), FoldA);
+}
+char const* StrStrA(char const* s, char const* find) {
+    return Find(s, find, SameA);
+}
+char const* StrStrIA(char const* s, char const* find) {
+    return Find(s, find, FoldA);
+}
+
+// ---------------------------------------------------------------------------------------------
+// shlwapi's case-blind comparisons: the locale's collation, as lstrcmpiW.
+
+int StrCmpIW(char16_t const* a, char16_t const* b) {
+    return lstrcmpiW(a, b);
+}
+
+int StrCmpNIW(char16_t const* a, char16_t const* b, int n) {
+    if (a == nullptr || b == nullptr)
+        return (a != nullptr) - (b != nullptr);
+    if (n <= 0)
+        return 0;
+    int la = 0;
+    while (la < n && a[la] != 0)
+        ++la;
+    int lb = 0;
+    while (lb < n && b[lb] != 0)
+        ++lb;
+    return Sign(ucol_strcoll(CurrentCollation().secondary, a, la, b, lb));
+}
+
+// ---------------------------------------------------------------------------------------------
+// The C runtime's comparisons
+
+int wcsncmp16(char16_t const* a, char16_t const* b, std::size_t n) {
+    for (std::size_t i = 0; i < n; ++i) {
+        if (a[i] != b[i])
+            return static_cast<int>(a[i]) - static_cast<int>(b[i]);
+        if (a[i] == 0)
+            break;
+    }
+    return 0;
+}
+
+int _wcsnicmp16(char16_t const* a, char16_t const* b, std::size_t n) {
+    auto fold = [](char16_t c) { return static_cast<int>((c >= u'A' && c <= u'Z') ? c + 32 : c); };
+    for (std::size_t i = 0; i < n; ++i) {
+        int const x = fold(a[i]);
+        int const y = fold(b[i]);
+        if (x != y)
+            return x - y;
+        if (x == 0)
+            break;
+    }
+    return 0;
+}
+
+namespace {
+inline int FoldByte(char c) {
+    auto const u = static_cast<unsigned char>(c);
+    return (u >= 'A' && u <= 'Z') ? u + 32 : u;
+}
+} // namespace
+
+int _strnicmp(char const* a, char const* b, std::size_t n) {
+    for (std::size_t i = 0; i < n; ++i) {
+        int const x = FoldByte(a[i]);
+        int const y = FoldByte(b[i]);
+        if (x != y)
+            return x - y;
+        if (x == 0)
+            break;
+    }
+    return 0;
+}
+
+int _stricmp(char const* a, char const* b) {
+    return _strnicmp(a, b, static_cast<std::size_t>(-1));
+}
+
+// ---------------------------------------------------------------------------------------------
+// Wide case mapping and classes
+
+namespace {
+inline bool IsSurrogate(char16_t c) {
+    return c >= 0xD800 && c <= 0xDFFF;
+}
+} // namespace
+
+char16_t ToUpperW(char16_t c) {
+    if (c < 0x80)
+        return (c >= u'a' && c <= u'z') ? static_cast<char16_t>(c - 32) : c;
+    if (IsSurrogate(c))
+        return c;
+    UChar32 const u = u_toupper(c);
+    return u <= 0xFFFF ? static_cast<char16_t>(u) : c;
+}
+
+char16_t ToLowerW(char16_t c) {
+    if (c < 0x80)
+        return (c >= u'A' && c <= u'Z') ? static_cast<char16_t>(c + 32) : c;
+    if (IsSurrogate(c))
+        return c;
+    UChar32 const u = u_tolower(c);
+    return u <= 0xFFFF ? static_cast<char16_t>(u) : c;
+}
+
+bool IsAlphaW(char16_t c) {
+    return !IsSurrogate(c) && u_isalpha(c);
+}
+
+bool IsDigitW(char16_t c) {
+    return !IsSurrogate(c) && u_isdigit(c);
+}
+
+bool IsAlnumW(char16_t c) {
+    return IsAlphaW(c) || IsDigitW(c);
+}
+
+bool IsPrintW(char16_t c) {
+    return !IsSurrogate(c) && u_isprint(c);
+}
+
+bool IsSpaceW(char16_t c) {
+    return !IsSurrogate(c) && u_isspace(c);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Narrow classes: the "C" locale, ASCII only
+
+namespace {
+inline unsigned char Byte(char c) {
+    return static_cast<unsigned char>(c);
+}
+} // namespace
+
+char ToUpperA(char c) {
+    return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 32) : c;
+}
+char ToLowerA(char c) {
+    return (c >= 'A' && c <= 'Z') ? static_cast<char>(c + 32) : c;
+}
+bool IsAlphaA(char c) {
+    return (Byte(c) | 32) >= 'a' && (Byte(c) | 32) <= 'z';
+}
+bool IsDigitA(char c) {
+    return c >= '0' && c <= '9';
+}
+bool IsAlnumA(char c) {
+    return IsAlphaA(c) || IsDigitA(c);
+}
+bool IsPrintA(char c) {
+    return Byte(c) >= 0x20 && Byte(c) < 0x7F;
+}
+bool IsSpaceA(char c) {
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+} // namespace qv::platform
