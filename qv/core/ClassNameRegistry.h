@@ -1,0 +1,27 @@
+// Class names in the stored form "class " plus the bare name, independent of how a compiler
+// names types. Each class declares its name with QV_DECLARE_CLASSNAME in its body and enters
+// it here with QV_REGISTER_CLASSNAME in its source (the declaration takes the access of
+// the place where it stands); ClassName() then finds the name of an
+// object's dynamic type by its type_info.
+#pragma once
+
+#include <typeinfo>
+
+class ClassNameRegistry {
+public:
+    // Enters a class; the first registration of a type wins. Returns true so that it can
+    // initialise a static.
+    static bool Register(std::type_info const& type, char const* className);
+    // The registered name of the type. A class that never registered is named from the
+    // platform's type information as a last resort, in the same "class X" form.
+    static char const* Lookup(std::type_info const& type);
+};
+
+#define QV_DECLARE_CLASSNAME(Name)                                                                 \
+    static char const* CLASSNAME() noexcept {                                                      \
+        return "class " #Name;                                                                     \
+    }
+
+#define QV_REGISTER_CLASSNAME(Name)                                                                \
+    [[maybe_unused]] static bool const qv_classname_registered_##Name =                            \
+        ClassNameRegistry::Register(typeid(Name), Name::CLASSNAME())

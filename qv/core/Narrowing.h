@@ -1,0 +1,11 @@
+// Checked narrowing of 64-bit sizes into the 32-bit fields of file formats and interfaces:
+// the narrower value, or BError(32767) naming the function in argument 0, so that an
+// over-long string fails instead of writing a wrong length.
+#pragma once
+
+int Sizet_int(unsigned long long value);
+unsigned int Sizet_uint(unsigned long long value);
+unsigned char Sizet_byte(unsigned long long value);
+int Longptr_int(long long value);
+// Accepts what a signed 32-bit number gives when widened with its sign, and 0 to 2^31 - 1.
+int Dwordptr_int(unsigned long long value);

@@ -1,0 +1,66 @@
+// SP<T>: the owning pointer of smart objects. It counts through BSmartObjBase::Ref and Unref,
+// so for a class with BSmartObj as a virtual base every SP to one object shares one count.
+#pragma once
+
+#include <type_traits>
+#include <utility>
+
+template <class T>
+class SP {
+public:
+    SP() noexcept = default;
+    SP(std::nullptr_t) noexcept {}
+    SP(T* p) noexcept : m_p(p) {
+        if (m_p)
+            m_p->Ref();
+    }
+    SP(SP const& other) noexcept : SP(other.m_p) {}
+    SP(SP&& other) noexcept : m_p(std::exchange(other.m_p, nullptr)) {}
+
+    // From an SP of another type: a checked conversion. The result holds null when the object
+    // is not of the wanted type, and its own reference otherwise.
+    template <class U>
+    requires(!std::is_same_v<U, T>) SP(SP<U> const& other)
+    noexcept : SP(Convert(other.get())) {}
+
+    ~SP() {
+        if (m_p)
+            m_p->Unref();
+    }
+
+    // The new object is counted before the old one is let go, so that assigning an SP its own
+    // object, or an object that the old one owns, is safe.
+    SP& operator=(T* p) noexcept {
+        if (p)
+            p->Ref();
+        T* old = std::exchange(m_p, p);
+        if (old)
+            old->Unref();
+        return *this;
+    }
+    SP& operator=(SP const& other) noexcept { return *this = other.m_p; }
+    SP& operator=(SP&& other) noexcept {
+        if (this != &other) {
+            T* old = std::exchange(m_p, std::exchange(other.m_p, nullptr));
+            if (old)
+                old->Unref();
+        }
+        return *this;
+    }
+
+    operator T*() const noexcept { return m_p; }
+    T* operator->() const noexcept { return m_p; }
+    T& operator*() const noexcept { return *m_p; }
+    T* get() const noexcept { return m_p; }
+
+private:
+    template <class U>
+    static T* Convert(U* p) noexcept {
+        if constexpr (std::is_convertible_v<U*, T*>)
+            return p;
+        else
+            return dynamic_cast<T*>(p);
+    }
+
+    T* m_p = nullptr;
+};

@@ -1,0 +1,35 @@
+// BString: a copy-on-write string of bytes in the ANSI code page, one pointer wide. Null is
+// the empty string. The operations shared with WString live in StringBase.
+#pragma once
+
+#include <concepts>
+#include <qv/core/strings/StringBase.h>
+
+class BString : public StringBase<BString, char> {
+public:
+    using StringBase::StringBase;
+    using StringBase::operator=;
+
+    BString() noexcept = default;
+    // Wide text converted to the ANSI code page; null or empty gives null.
+    BString(char16_t const* wide);
+
+    // The held text without unsharing, null on a null string: the caller must not write
+    // through it while the block is shared.
+    char* Str() const { return m_block ? m_block->Text() : nullptr; }
+
+    // The byte at the index, without a check: the string must hold a block.
+    template <std::integral I>
+    char operator[](I index) const {
+        return m_block->Text()[index];
+    }
+
+    static char const* const static_empty_str;
+};
+
+// Orders BStrings case-blind, as BString::ICmp does.
+struct StrILess {
+    bool operator()(BString const& a, BString const& b) const { return a.ICmp(b) < 0; }
+};
+
+extern template class StringBase<BString, char>;

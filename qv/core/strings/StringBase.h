@@ -1,0 +1,197 @@
+// The one implementation behind WString and BString.
+//
+// A string is one pointer: null (the empty string) or a shared block that holds the capacity,
+// an atomic reference count and the zero-terminated text in one malloc'ed allocation. Copies
+// share the block; every writer unshares first. The length is never stored: the terminator is
+// the only truth, which keeps a string that a caller wrote through Str() consistent.
+//
+// S is the derived class (WString or BString), so that operations hand back the caller's own
+// type; Unit is its character. The twins' differences come from StringTraits<Unit>.
+#pragma once
+
+#include <atomic>
+#include <concepts>
+#include <cstdint>
+#include <qv/core/strings/StringTraits.h>
+#include <string_view>
+
+template <class Unit>
+struct SharedString {
+    std::uint64_t capacity;          // characters the block can hold, without the terminator
+    std::atomic<std::int32_t> count; // string objects that hold the block
+
+    Unit* Text() { return reinterpret_cast<Unit*>(this + 1); }
+    Unit const* Text() const { return reinterpret_cast<Unit const*>(this + 1); }
+};
+
+using SharedBString = SharedString<char>;
+using SharedWString = SharedString<char16_t>;
+
+template <class S, class Unit>
+class StringBase {
+public:
+    using Traits = StringTraits<Unit>;
+    using CharArg = typename Traits::CharArg;
+    using size_type = unsigned long long;
+
+    // Construction, assignment, access.
+    StringBase() noexcept = default;
+    StringBase(StringBase const& other) noexcept : m_block(other.m_block) { Ref(m_block); }
+    StringBase(StringBase&& other) noexcept : m_block(other.m_block) { other.m_block = nullptr; }
+    StringBase(Unit const* text);
+    StringBase(std::basic_string_view<Unit> text);
+    ~StringBase() { Unref(m_block); }
+
+    StringBase& operator=(StringBase const& other) noexcept;
+    StringBase& operator=(StringBase&& other) noexcept;
+    S& operator=(Unit const* text);
+
+    void Clear() noexcept;
+    size_type Length() const { return m_block ? Traits::Length(m_block->Text()) : 0; }
+    bool IsEmpty() const { return !m_block || m_block->Text()[0] == 0; }
+    Unit const* CStr() const { return m_block ? m_block->Text() : EmptyText(); }
+    Unit const* CStr(size_type pos) const { return m_block ? m_block->Text() + pos : nullptr; }
+    operator Unit const*() const { return CStr(); }
+    std::basic_string_view<Unit> View() const { return CStr(); }
+
+    void SetAt(size_type pos, Unit c);
+    void Fill(size_type n, Unit c);
+
+    // Comparison.
+    bool Equal(S const& other) const;
+    bool Equal(Unit const* text) const;
+    bool operator==(S const& other) const { return Equal(other); }
+    bool operator==(Unit const* text) const { return Equal(text); }
+    bool operator<(S const& other) const { return Traits::Less(CStr(), other.CStr()); }
+    int Cmp(S const& other) const { return Traits::Cmp(CStr(), other.CStr()); }
+    int Cmp(Unit const* text) const { return Traits::Cmp(CStr(), text ? text : EmptyText()); }
+    int ICmp(S const& other) const { return Traits::ICmp(CStr(), other.CStr()); }
+    int ICmp(Unit const* text) const { return Traits::ICmp(CStr(), text ? text : EmptyText()); }
+    bool IEqual(S const& other) const { return ICmp(other) == 0; }
+    bool IEqual(Unit const* text) const { return ICmp(text) == 0; }
+
+    // Search and character classes.
+    bool Includes(S const& needle) const { return Includes(needle.CStr()); }
+    bool Includes(Unit const* needle) const;
+    bool Includes(CharArg c) const;
+    bool IIncludes(S const& needle) const { return IIncludes(needle.CStr()); }
+    bool IIncludes(Unit const* needle) const;
+    bool IIncludes(CharArg c) const;
+    bool IncludesPos(S const& needle, size_type& pos) const {
+        return IncludesPos(needle.CStr(), pos);
+    }
+    bool IncludesPos(Unit const* needle, size_type& pos) const;
+    bool IncludesPos(CharArg c, size_type& pos) const;
+    size_type Search(S const& needle, size_type from = 0) const {
+        return Search(needle.CStr(), from);
+    }
+    size_type Search(Unit const* needle, size_type from = 0) const;
+    size_type Search(Unit c, size_type from = 0) const;
+    bool StartsWith(S const& text) const { return StartsWith(text.CStr()); }
+    bool StartsWith(Unit const* text) const;
+    bool IStartsWith(S const& text) const { return IStartsWith(text.CStr()); }
+    bool IStartsWith(Unit const* text) const;
+    bool EndsWith(S const& text) const { return EndsWith(text.CStr()); }
+    bool EndsWith(Unit const* text) const;
+    bool IEndsWith(S const& text) const { return IEndsWith(text.CStr()); }
+    bool IEndsWith(Unit const* text) const;
+    bool IsAlpha() const;
+    bool IsAlphaNum() const;
+    bool IsDigit() const;
+    bool IsPrint() const;
+    bool IsNumeric() const { return IsDigit(); }
+    bool IsAlphaNumUnderscore() const;
+    bool IsCharSet(Unit const* set) const;
+    size_type TokenCount(Unit sep) const;
+    size_type GetTokenCount(Unit sep) const { return TokenCount(sep); }
+
+    // Extraction and cutting.
+    S Token(size_type n, Unit sep) const;
+    S GetToken(size_type n, Unit sep) const { return Token(n, sep); }
+    S Sub(size_type pos) const;
+    S Sub(size_type pos, size_type n) const;
+    S SubCh(size_type pos, CharArg c) const;
+    S Cut(size_type pos);
+    S Cut(size_type pos, size_type n);
+    bool CutAt(size_type pos);
+    bool CutAfter(CharArg c, bool first = true);
+    bool Split(S& rest, CharArg c, bool first = true);
+    void Remove(size_type pos, size_type n);
+
+    // Changing.
+    S& Append(S const& other);
+    S& Append(Unit const* text);
+    S& Append(Unit c);
+    S& operator+=(S const& other) { return Append(other); }
+    S& operator+=(Unit const* text) { return Append(text); }
+    S& operator+=(Unit c) { return Append(c); }
+    friend S operator+(S const& a, S const& b) { return Concat(a.CStr(), b.CStr()); }
+    friend S operator+(S const& a, Unit const* b) { return Concat(a.CStr(), b); }
+    friend S operator+(Unit const* a, S const& b) { return Concat(a, b.CStr()); }
+    S& Prepend(S const& other) { return Prepend(other.CStr()); }
+    S& Prepend(Unit const* text);
+    S& Prepend(Unit c);
+    S& Insert(Unit const* text, size_type pos);
+    S& Insert(Unit c, size_type pos);
+    bool Replace(Unit c1, Unit c2, bool caseSensitive = true);
+    bool Replace(Unit const* from, Unit const* to, bool caseSensitive = true);
+    bool Replace(S const& from, S const& to, bool caseSensitive = true) {
+        return Replace(from.CStr(), to.CStr(), caseSensitive);
+    }
+    bool IReplace(Unit c1, Unit c2) { return Replace(c1, c2, false); }
+    bool IReplace(Unit const* from, Unit const* to) { return Replace(from, to, false); }
+    bool IReplace(S const& from, S const& to) { return Replace(from, to, false); }
+    void ReplaceAt(Unit const* text, size_type pos);
+    bool TrimLeft();
+    bool TrimLeft(Unit c);
+    bool TrimLeft(Unit const* set);
+    bool TrimRight();
+    bool TrimRight(Unit c);
+    bool TrimRight(Unit const* set);
+    S& EraseLeadingChars(Unit c);
+    S& EraseTrailingChars(Unit c);
+    S& EraseAllChars(Unit c);
+    S ToLower();
+    S ToUpper();
+    S Lower() const;
+    S Upper() const;
+
+protected:
+    using Block = SharedString<Unit>;
+
+    // The one constant empty text of this width, handed out for a null string.
+    static constexpr Unit kEmptyText[1] = {};
+    static constexpr Unit const* EmptyText() noexcept { return kEmptyText; }
+    static Block* CreateShared();
+    static Block* CreateShared(size_type capacity);
+    static Block* CreateShared(Unit const* text);
+    static Block* CreateShared(Block const* block);
+    static Block* CreateShared(Unit const* text, size_type length, size_type capacity);
+    static S Adopt(Block* block) noexcept;
+    static S Concat(Unit const* a, Unit const* b);
+
+    static void Ref(Block* b) noexcept {
+        if (b)
+            b->count.fetch_add(1, std::memory_order_relaxed);
+    }
+    static void Unref(Block* b) noexcept {
+        // A count of 1 means this holder is the only one, so nobody can take a reference
+        // concurrently and the atomic decrement can be skipped.
+        if (b && (b->count.load(std::memory_order_acquire) == 1 ||
+                  b->count.fetch_sub(1, std::memory_order_acq_rel) == 1))
+            FreeBlock(b);
+    }
+    static void FreeBlock(Block* b) noexcept;
+    void Reset(Block* b) noexcept; // takes b's first reference, releases the old block
+    void Unshare();                // afterwards the object always holds a private block
+    S& Self() noexcept { return static_cast<S&>(*this); }
+    template <class Pred>
+    bool All(Pred pred) const;
+    template <class Pred>
+    bool TrimLeftIf(Pred pred);
+    template <class Pred>
+    bool TrimRightIf(Pred pred);
+    Unit const* FindChar(Unit c, bool first) const;
+
+    Block* m_block = nullptr;
+};

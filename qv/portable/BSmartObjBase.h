@@ -1,0 +1,46 @@
+// The reference count and the process-wide unique number that every smart object carries.
+// Objects start with a count of 0: the first SP<T> that takes one makes it 1, and the last
+// one to let go destroys it.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+class BSmartObjBase {
+public:
+    BSmartObjBase() noexcept : m_unique_id(NextUniqueID()) {}
+    // A copy is a new object: it gets a count of 0 and a fresh number of its own.
+    BSmartObjBase(BSmartObjBase const&) noexcept : BSmartObjBase() {}
+
+    // The assignment comes first among the virtual operations, then the destructor; the order
+    // is part of the interface.
+    virtual BSmartObjBase const& operator=(BSmartObjBase const&) { return *this; }
+    virtual ~BSmartObjBase() = default;
+
+    void Ref() const noexcept { m_count.fetch_add(1, std::memory_order_relaxed); }
+    void Unref() const noexcept {
+        if (m_count.fetch_sub(1, std::memory_order_acq_rel) == 1)
+            delete this;
+    }
+    long UniqueID() const noexcept { return m_unique_id; }
+
+    // Owners of the object through SP<T>, for tests and diagnostics.
+    std::int32_t RefCount() const noexcept { return m_count.load(std::memory_order_relaxed); }
+    // The last number given out.
+    static long LastUniqueID() noexcept {
+        return m_unique_id_counter.load(std::memory_order_relaxed);
+    }
+
+private:
+    // 32 bits as on Windows: after 2^31 - 1 objects the numbers wrap to negative values.
+    static std::int32_t NextUniqueID() noexcept {
+        std::uint32_t last =
+            static_cast<std::uint32_t>(m_unique_id_counter.fetch_add(1, std::memory_order_relaxed));
+        return static_cast<std::int32_t>(last + 1u);
+    }
+
+    static std::atomic<std::int32_t> m_unique_id_counter;
+
+    std::int32_t const m_unique_id;
+    mutable std::atomic<std::int32_t> m_count{0};
+};

@@ -1,0 +1,20 @@
+// Everything the library exports. Modules of the application include this one header.
+#pragma once
+
+#include <qv/core/BError.h>
+#include <qv/core/BSmartObj.h>
+#include <qv/core/ClassNameRegistry.h>
+#include <qv/core/GetLastErrorMessage.h>
+#include <qv/core/Narrowing.h>
+#include <qv/core/SP.h>
+#include <qv/core/SetThreadName.h>
+#include <qv/core/strings/BString.h>
+#include <qv/core/strings/StringBase.h>
+#include <qv/core/strings/StringTraits.h>
+#include <qv/core/strings/WString.h>
+#include <qv/persistence/BArchive.h>
+#include <qv/platform/CodePage.h>
+#include <qv/platform/SystemError.h>
+#include <qv/platform/TextServices.h>
+#include <qv/platform/ThreadName.h>
+#include <qv/portable/BSmartObjBase.h>
