@@ -17,4 +17,5 @@
 #include <qv/platform/SystemError.h>
 #include <qv/platform/TextServices.h>
 #include <qv/platform/ThreadName.h>
+#include <qv/platform/WideStream.h>
 #include <qv/portable/BSmartObjBase.h>
