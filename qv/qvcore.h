@@ -8,6 +8,12 @@
 #include <qv/core/Narrowing.h>
 #include <qv/core/SP.h>
 #include <qv/core/SetThreadName.h>
+#include <qv/core/containers/BArray.h>
+#include <qv/core/containers/BDictionary.h>
+#include <qv/core/containers/BDictionaryItemBase.h>
+#include <qv/core/containers/BHashTable.h>
+#include <qv/core/containers/BMap.h>
+#include <qv/core/containers/DList.h>
 #include <qv/core/strings/BString.h>
 #include <qv/core/strings/StringBase.h>
 #include <qv/core/strings/StringTraits.h>
