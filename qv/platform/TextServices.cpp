@@ -25,6 +25,10 @@
 
 namespace qv::platform {
 
+namespace detail {
+unsigned AnsiCodePageGeneration(); // CodePage.cpp
+} // namespace detail
+
 // ---------------------------------------------------------------------------------------------
 // Length
 
@@ -361,7 +365,7 @@ template <typename Unit, typename F>
 Unit const* Find(Unit const* s, Unit const* find, F fold) {
     if (s == nullptr || find == nullptr || *find == 0)
         return nullptr;
-    Unit const first = fold(*find);
+    auto const first = fold(*find);
     for (; *s != 0; ++s) {
         if (fold(*s) != first)
             continue;
@@ -380,7 +384,7 @@ template <typename Unit, typename F>
 Unit const* FindChar(Unit const* s, Unit c, F fold) {
     if (s == nullptr)
         return nullptr;
-    Unit const fc = fold(c);
+    auto const fc = fold(c);
     for (; *s != 0; ++s)
         if (fold(*s) == fc)
             return s;
@@ -406,11 +410,13 @@ char16_t const* StrChrIW(char16_t const* s, char16_t c) {
 char16_t const* StrRChrW(char16_t const* s, char16_t const* end, char16_t c) {
     if (s == nullptr)
         return nullptr;
-    char16_t const* last = nullptr;
-    for (char16_t const* p = s; (end == nullptr || p < end) && *p != 0; ++p)
-        if (*p == c)
-            last = p;
-    return last;
+    // With an end, Windows looks at every unit before it, terminator or not.
+    if (end == nullptr)
+        end = s + lstrlenW(s);
+    for (char16_t const* p = end; p != s;)
+        if (*--p == c)
+            return p;
+    return nullptr;
 }
 
 char16_t const* StrStrW(char16_t const* s, char16_t const* find) {
@@ -530,24 +536,70 @@ char16_t ToLowerW(char16_t c) {
     return u <= 0xFFFF ? static_cast<char16_t>(u) : c;
 }
 
+// The runtime classifies by Unicode character type, with the quirks of its Latin-1 table:
+// ª, µ and º count as punctuation, the superscripts ¹ ² ³ as digits, and tab as printable.
+namespace {
+inline bool IsLatin1Punctuation(char16_t c) {
+    return c == 0xAA || c == 0xB5 || c == 0xBA;
+}
+inline bool IsLatin1Superscript(char16_t c) {
+    return c == 0xB2 || c == 0xB3 || c == 0xB9;
+}
+} // namespace
+
 bool IsAlphaW(char16_t c) {
-    return !IsSurrogate(c) && u_isalpha(c);
+    if (c < 0x80)
+        return (c | 32) >= u'a' && (c | 32) <= u'z';
+    if (IsSurrogate(c) || IsLatin1Punctuation(c))
+        return false;
+    // Letters and letter numbers (Ⅰ, 〇); combining marks and circled letters are not.
+    return u_isalpha(c) || u_charType(c) == U_LETTER_NUMBER;
 }
 
 bool IsDigitW(char16_t c) {
-    return !IsSurrogate(c) && u_isdigit(c);
+    if (c < 0x80)
+        return c >= u'0' && c <= u'9';
+    return !IsSurrogate(c) && (u_isdigit(c) || IsLatin1Superscript(c));
 }
 
 bool IsAlnumW(char16_t c) {
     return IsAlphaW(c) || IsDigitW(c);
 }
 
+// Printable is what the runtime calls blank, punctuation, letter or digit: so tab counts, and
+// the soft hyphen (punctuation in its Latin-1 table), but combining marks, the typographic
+// spaces and number forms that are no digit (⁰, ①) do not.
 bool IsPrintW(char16_t c) {
-    return !IsSurrogate(c) && u_isprint(c);
+    if (c < 0x80)
+        return c == u'\t' || (c >= 0x20 && c < 0x7F);
+    if (c == 0xA0 || c == 0xAD || c == 0x3000)
+        return true;
+    if (IsAlphaW(c) || IsDigitW(c))
+        return true;
+    switch (u_charType(c)) {
+    case U_CONNECTOR_PUNCTUATION:
+    case U_DASH_PUNCTUATION:
+    case U_START_PUNCTUATION:
+    case U_END_PUNCTUATION:
+    case U_INITIAL_PUNCTUATION:
+    case U_FINAL_PUNCTUATION:
+    case U_OTHER_PUNCTUATION:
+    case U_MATH_SYMBOL:
+    case U_CURRENCY_SYMBOL:
+    case U_MODIFIER_SYMBOL:
+    case U_OTHER_SYMBOL:
+        return true;
+    default:
+        return IsLatin1Punctuation(c);
+    }
 }
 
+// Tab to carriage return and the Unicode space separators (no-break ones included), but not
+// NEL (U+0085), the zero-width space or the byte order mark.
 bool IsSpaceW(char16_t c) {
-    return !IsSurrogate(c) && u_isspace(c);
+    if (c < 0x80)
+        return c == u' ' || (c >= u'\t' && c <= u'\r');
+    return !IsSurrogate(c) && u_isJavaSpaceChar(c);
 }
 
 // ---------------------------------------------------------------------------------------------
