@@ -321,16 +321,22 @@ bool SetCollationLocale(char const* localeName) {
     if (localeName == nullptr)
         localeName = "";
     // ICU opens a collator for any well-formed name, falling back to a parent or the root; a
-    // name it knows nothing about would silently compare as root, so insist on a real match.
+    // name it knows nothing about would silently compare as root, so it is refused.
     if (*localeName != '\0') {
         UErrorCode status = U_ZERO_ERROR;
         UCollator* probe = ucol_open(localeName, &status);
-        if (U_FAILURE(status) || status == U_USING_DEFAULT_WARNING) {
-            if (probe != nullptr)
-                ucol_close(probe);
+        if (U_FAILURE(status))
             return false;
-        }
+        // "de" has no tailoring of its own and opens with a warning, yet is a locale ICU
+        // knows; a name it does not know ends at the root as its valid locale.
+        UErrorCode typeStatus = U_ZERO_ERROR;
+        char const* valid = ucol_getLocaleByType(probe, ULOC_VALID_LOCALE, &typeStatus);
+        bool const known =
+            U_SUCCESS(typeStatus) && valid != nullptr &&
+            (std::strcmp(valid, "root") != 0 || std::strcmp(localeName, "root") == 0);
         ucol_close(probe);
+        if (!known)
+            return false;
     }
     std::shared_ptr<Collation const> next = Build(localeName);
     if (!next)
@@ -357,8 +363,33 @@ inline char16_t Fold(char16_t c) {
     return f <= 0xFFFF ? static_cast<char16_t>(f) : c;
 }
 
-inline char FoldA(char c) {
-    return (c >= 'A' && c <= 'Z') ? static_cast<char>(c + 32) : c;
+// The narrow case-blind searches compare bytes as the characters they stand for in the ANSI
+// code page (in Windows-1252, 0xFF 'ÿ' matches 0x9F 'Ÿ'). Bytes that are no character on
+// their own (UTF-8 lead and trail bytes) only match themselves. Each thread keeps the folded
+// value of every byte for the code page it last saw.
+struct AnsiFoldTable {
+    unsigned generation = ~0u;
+    std::uint32_t key[256] = {};
+};
+thread_local AnsiFoldTable ansiFold;
+
+std::uint32_t const* AnsiFoldKeys() {
+    AnsiFoldTable& t = ansiFold;
+    unsigned const generation = detail::AnsiCodePageGeneration();
+    if (t.generation == generation)
+        return t.key;
+    for (unsigned b = 0; b < 256; ++b) {
+        char const byte = static_cast<char>(b);
+        char16_t unit = 0;
+        if (b < 0x80)
+            t.key[b] = Fold(static_cast<char16_t>(b));
+        else if (MultiByteToWideChar(&byte, 1, &unit, 1) == 1 && unit != 0xFFFD)
+            t.key[b] = Fold(unit);
+        else
+            t.key[b] = 0x10000 + b;
+    }
+    t.generation = generation;
+    return t.key;
 }
 
 template <typename Unit, typename F>
@@ -398,9 +429,18 @@ inline char SameA(char c) {
     return c;
 }
 
+template <typename Search>
+char const* WithAnsiFold(Search search) {
+    std::uint32_t const* keys = AnsiFoldKeys();
+    return search([keys](char c) { return keys[static_cast<unsigned char>(c)]; });
+}
+
 } // namespace
 
+// Unlike the other searches, shlwapi's StrChrW finds the terminator itself, as wcschr does.
 char16_t const* StrChrW(char16_t const* s, char16_t c) {
+    if (s != nullptr && c == 0)
+        return s + lstrlenW(s);
     return FindChar(s, c, Same);
 }
 char16_t const* StrChrIW(char16_t const* s, char16_t c) {
@@ -430,13 +470,17 @@ char const* StrChrA(char const* s, int c) {
     return FindChar(s, static_cast<char>(c), SameA);
 }
 char const* StrChrIA(char const* s, int c) {
-    return FindChar(s, static_cast<char>(c), FoldA);
+    if (s == nullptr || static_cast<char>(c) == 0)
+        return nullptr;
+    return WithAnsiFold([&](auto fold) { return FindChar(s, static_cast<char>(c), fold); });
 }
 char const* StrStrA(char const* s, char const* find) {
     return Find(s, find, SameA);
 }
 char const* StrStrIA(char const* s, char const* find) {
-    return Find(s, find, FoldA);
+    if (s == nullptr || find == nullptr)
+        return nullptr;
+    return WithAnsiFold([&](auto fold) { return Find(s, find, fold); });
 }
 
 // ---------------------------------------------------------------------------------------------
