@@ -139,6 +139,11 @@ void FromUnicodeCallback(void const* context, UConverterFromUnicodeArgs* args, U
         ucnv_cbFromUWriteBytes(args, replacement, 3, 0, err);
         return;
     }
+    // Windows replaces each unit of a character beyond the BMP, so a pair becomes "??".
+    if (codePoint > 0xFFFF) {
+        ucnv_cbFromUWriteBytes(args, "??", 2, 0, err);
+        return;
+    }
     char out = '?';
     if (ctx->windows1252) {
         // The five C1 controls Windows reads from the undefined bytes go back to them.
