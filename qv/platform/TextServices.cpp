@@ -13,6 +13,7 @@
 #include <unicode/ucol.h>
 #include <unicode/uset.h>
 #include <unicode/ustring.h>
+#include <unicode/uvernum.h>
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define QV_PLAIN_STRLEN 1
@@ -66,10 +67,11 @@ int lstrlenW(char16_t const* s) {
 
 namespace {
 
-// One collator configuration, immutable once built. Comparisons on many threads share it:
-// ICU's collators are safe for concurrent use as long as nobody changes their attributes, and
-// nothing does after Build. A locale change publishes a new instance; threads still holding the
-// old one finish their comparison with it.
+// One collator configuration, immutable once built and shared by all threads. ICU documents
+// cloning, not sharing, as the way to use one collator on several threads, so each thread
+// compares with its own clones of the two collators here; the rank tables are plain data and
+// shared. A locale change publishes a new instance; threads still holding the old one finish
+// their comparison with it.
 struct Collation {
     UCollator* tertiary = nullptr;
     UCollator* secondary = nullptr;
@@ -198,25 +200,58 @@ std::mutex collationMutex;
 std::shared_ptr<Collation const> currentCollation;
 std::atomic<unsigned> collationGeneration{0};
 
-// Each thread keeps the instance it last used and only takes the lock when a locale change
-// has been published since, so a comparison costs one atomic load.
+UCollator* Clone(UCollator const* coll) {
+    UErrorCode status = U_ZERO_ERROR;
+#if U_ICU_VERSION_MAJOR_NUM >= 71
+    UCollator* clone = ucol_clone(coll, &status);
+#else
+    UCollator* clone = ucol_safeClone(coll, nullptr, nullptr, &status);
+#endif
+    return U_SUCCESS(status) ? clone : nullptr;
+}
+
+// Each thread keeps the instance it last used, with its own clones of the collators, and only
+// takes the lock when a locale change has been published since, so a comparison costs one
+// atomic load.
 struct CollationCache {
     unsigned generation = ~0u;
     std::shared_ptr<Collation const> collation;
+    UCollator* tertiary = nullptr;
+    UCollator* secondary = nullptr;
+
+    CollationCache() = default;
+    CollationCache(CollationCache const&) = delete;
+    CollationCache& operator=(CollationCache const&) = delete;
+    ~CollationCache() { CloseClones(); }
+
+    void CloseClones() {
+        if (tertiary != nullptr)
+            ucol_close(tertiary);
+        if (secondary != nullptr)
+            ucol_close(secondary);
+        tertiary = secondary = nullptr;
+    }
 };
 thread_local CollationCache collationCache;
 
-Collation const& CurrentCollation() {
+CollationCache const& CurrentCollation() {
     CollationCache& cache = collationCache;
     unsigned const generation = collationGeneration.load(std::memory_order_acquire);
-    if (cache.collation && cache.generation == generation)
-        return *cache.collation;
-    std::lock_guard lock(collationMutex);
-    if (!currentCollation)
-        currentCollation = Build("");
-    cache.collation = currentCollation;
-    cache.generation = collationGeneration.load(std::memory_order_relaxed);
-    return *cache.collation;
+    if (cache.tertiary != nullptr && cache.generation == generation)
+        return cache;
+    std::shared_ptr<Collation const> shared;
+    {
+        std::lock_guard lock(collationMutex);
+        if (!currentCollation)
+            currentCollation = Build("");
+        shared = currentCollation;
+        cache.generation = collationGeneration.load(std::memory_order_relaxed);
+    }
+    cache.CloseClones();
+    cache.tertiary = Clone(shared->tertiary);
+    cache.secondary = Clone(shared->secondary);
+    cache.collation = std::move(shared);
+    return cache;
 }
 
 int Sign(int v) {
@@ -266,13 +301,14 @@ int FastCompare(Collation const& c, Unit const* a, Unit const* b, bool caseSensi
 int CompareWide(char16_t const* a, char16_t const* b, bool caseSensitive) {
     if (a == nullptr || b == nullptr)
         return (a != nullptr) - (b != nullptr);
-    Collation const& c = CurrentCollation();
+    CollationCache const& cache = CurrentCollation();
+    Collation const& c = *cache.collation;
     if (c.fast) {
         int const r = FastCompare(c, a, b, caseSensitive);
         if (r != 2)
             return r;
     }
-    UCollator const* coll = caseSensitive ? c.tertiary : c.secondary;
+    UCollator const* coll = caseSensitive ? cache.tertiary : cache.secondary;
     return Sign(ucol_strcoll(coll, a, -1, b, -1));
 }
 
@@ -288,7 +324,8 @@ std::u16string FromAnsi(char const* s) {
 int CompareAnsi(char const* a, char const* b, bool caseSensitive) {
     if (a == nullptr || b == nullptr)
         return (a != nullptr) - (b != nullptr);
-    Collation const& c = CurrentCollation();
+    CollationCache const& cache = CurrentCollation();
+    Collation const& c = *cache.collation;
     // Printable ASCII reads the same in every ANSI code page we support.
     if (c.fast) {
         int const r = FastCompare(c, a, b, caseSensitive);
@@ -297,7 +334,7 @@ int CompareAnsi(char const* a, char const* b, bool caseSensitive) {
     }
     std::u16string const wa = FromAnsi(a);
     std::u16string const wb = FromAnsi(b);
-    UCollator const* coll = caseSensitive ? c.tertiary : c.secondary;
+    UCollator const* coll = caseSensitive ? cache.tertiary : cache.secondary;
     return Sign(ucol_strcoll(coll, wa.data(), static_cast<int32_t>(wa.size()), wb.data(),
                              static_cast<int32_t>(wb.size())));
 }
