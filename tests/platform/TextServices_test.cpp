@@ -23,55 +23,36 @@ struct LocaleGuard {
 
 // Random ASCII text biased towards what breaks a table-driven comparison: case pairs,
 // punctuation that sorts between letters, digits, spaces, shared prefixes, and now and then a
-// control character or a non-ASCII unit that must leave the comparison to ICU.
-class TextGenerator {
-public:
-    explicit TextGenerator(unsigned seed) : rng_(seed) {}
+// control character or a non-ASCII unit that must leave the comparison to ICU. Partners of a
+// text are often near misses of it, so comparisons get past the first unit.
+struct TextGenerator {
+    std::mt19937 rng;
+    int Pick(int n) { return std::uniform_int_distribution<int>(0, n - 1)(rng); }
 
     std::u16string Next() {
         static constexpr char16_t common[] = u"aAbBcChHsSzZ019 _-.,'!~`^|{}@";
         std::u16string s;
-        int const length = Pick(9);
-        for (int i = 0; i < length; ++i) {
+        for (int i = Pick(9); i > 0; --i) {
             int const kind = Pick(100);
-            if (kind < 60)
-                s += common[Pick(sizeof common / sizeof common[0] - 1)];
-            else if (kind < 96)
-                s += static_cast<char16_t>(0x20 + Pick(0x5F));
-            else if (kind < 98)
-                s += static_cast<char16_t>(1 + Pick(0x1F));
-            else
-                s += u"\u00E9\u00C4\u0301\u00DF"[Pick(4)];
+            s += kind < 60   ? common[Pick(std::size(common) - 1)]
+                 : kind < 96 ? static_cast<char16_t>(0x20 + Pick(0x5F))
+                 : kind < 98 ? static_cast<char16_t>(1 + Pick(0x1F))
+                             : u"\u00E9\u00C4\u0301\u00DF"[Pick(4)];
         }
         return s;
     }
 
-    // A partner for a: often a near miss of it, so that comparisons get past the first unit.
-    std::u16string Partner(std::u16string const& a) {
-        switch (Pick(5)) {
-        case 0:
+    std::u16string Partner(std::u16string a) {
+        int const kind = Pick(5);
+        if (kind == 0)
             return a + Next();
-        case 1: {
-            std::u16string b = a;
-            if (!b.empty()) {
-                char16_t& c = b[static_cast<std::size_t>(Pick(static_cast<int>(b.size())))];
-                if (c >= u'a' && c <= u'z')
-                    c = static_cast<char16_t>(c - 32);
-                else if (c >= u'A' && c <= u'Z')
-                    c = static_cast<char16_t>(c + 32);
-            }
-            return b;
+        if (kind == 1 && !a.empty()) {
+            char16_t& c = a[static_cast<std::size_t>(Pick(static_cast<int>(a.size())))];
+            c = IsAlphaW(c) ? static_cast<char16_t>(c ^ 0x20) : c; // flip the case
+            return a;
         }
-        case 2:
-            return a.substr(0, a.size() / 2) + Next();
-        default:
-            return Next();
-        }
+        return kind == 2 ? a.substr(0, a.size() / 2) + Next() : Next();
     }
-
-private:
-    int Pick(int n) { return std::uniform_int_distribution<int>(0, n - 1)(rng_); }
-    std::mt19937 rng_;
 };
 
 class IcuCollator {
@@ -92,17 +73,16 @@ private:
     UCollator* coll_ = nullptr;
 };
 
+// Text for the narrow forms: every non-ASCII unit becomes é, 0xE9 in Windows-1252.
+std::u16string Latin(std::u16string s) {
+    std::replace_if(
+        s.begin(), s.end(), [](char16_t c) { return c >= 0x80; }, u'\u00E9');
+    return s;
+}
 std::string Narrow(std::u16string const& s) {
     std::string out;
-    for (char16_t c : s)
-        out += c < 0x80 ? static_cast<char>(c) : '\xE9';
-    return out;
-}
-
-std::u16string Widen(std::string const& s) {
-    std::u16string out;
-    for (char c : s)
-        out += static_cast<unsigned char>(c) < 0x80 ? static_cast<char16_t>(c) : u'\u00E9';
+    for (char16_t c : Latin(s))
+        out += static_cast<char>(c);
     return out;
 }
 
@@ -121,10 +101,7 @@ TEST(TextServicesLength, CountsToTerminatorAtEveryAlignment) {
                 << start << " " << length;
         }
     // Units with the high bit set or a zero byte must not look like terminators.
-    std::u16string const high(20, u'\x8000');
-    EXPECT_EQ(lstrlenW(high.c_str()), 20);
-    std::u16string const mixed = u"\xFFFF\x0001\x0100\x8001\xFF00\x0100\x0001";
-    EXPECT_EQ(lstrlenW(mixed.c_str()), 7);
+    EXPECT_EQ(lstrlenW(u"\x8000\x8000\xFFFF\x0001\x0100\x8001\xFF00\x0100\x0001"), 9);
 }
 
 // What Windows answers, where ours is meant to agree (docs/text-services.md lists the rest).
@@ -153,15 +130,12 @@ TEST(TextServicesCompare, AgreesWithWindowsOnCaseAccentsAndNulls) {
         EXPECT_EQ(StrCmpIW(r.a, r.b), r.icmp) << testing::PrintToString(r.a);
     }
     EXPECT_EQ(lstrcmpA(nullptr, ""), -1);
-    EXPECT_EQ(lstrcmpiA("a", nullptr), 1);
     EXPECT_EQ(lstrcmpA("e", "\xE9"), -1); // Windows-1252 bytes read as their characters
     EXPECT_EQ(lstrcmpiA("\xC4", "\xE4"), 0);
-    EXPECT_EQ(lstrcmpA("a_b", "a-b"), -1);
 }
 
 TEST(TextServicesCompare, StrCmpNIWComparesOnlyThePrefixes) {
     EXPECT_EQ(StrCmpNIW(u"a1", u"a10", 2), 0);
-    EXPECT_EQ(StrCmpNIW(u"ABC", u"abd", 2), 0);
     EXPECT_EQ(StrCmpNIW(u"Ab", u"ac", 2), -1);
     EXPECT_EQ(StrCmpNIW(u"x", u"x ", 2), -1);
     EXPECT_EQ(StrCmpNIW(u"ab", u"ac", 0), 0);
@@ -178,7 +152,7 @@ TEST(TextServicesCompare, AsciiFastPathGivesIcusAnswer) {
         ASSERT_TRUE(SetCollationLocale(locale)) << locale;
         IcuCollator const tertiary(locale, UCOL_TERTIARY);
         IcuCollator const secondary(locale, UCOL_SECONDARY);
-        TextGenerator gen(1234);
+        TextGenerator gen{std::mt19937(1234)};
         for (int i = 0; i < 20000; ++i) {
             std::u16string const a = gen.Next();
             std::u16string const b = gen.Partner(a);
@@ -188,37 +162,9 @@ TEST(TextServicesCompare, AsciiFastPathGivesIcusAnswer) {
                 << locale << " " << testing::PrintToString(a) << " " << testing::PrintToString(b);
             std::string const na = Narrow(a);
             std::string const nb = Narrow(b);
-            ASSERT_EQ(lstrcmpA(na.c_str(), nb.c_str()), tertiary(Widen(na), Widen(nb)))
-                << locale << " " << na << " " << nb;
-            ASSERT_EQ(lstrcmpiA(na.c_str(), nb.c_str()), secondary(Widen(na), Widen(nb)))
-                << locale << " " << na << " " << nb;
+            ASSERT_EQ(lstrcmpA(na.c_str(), nb.c_str()), tertiary(Latin(a), Latin(b))) << na;
+            ASSERT_EQ(lstrcmpiA(na.c_str(), nb.c_str()), secondary(Latin(a), Latin(b))) << na;
         }
-    }
-}
-
-TEST(TextServicesCompare, OrdersAMapConsistently) {
-    TextGenerator gen(99);
-    std::vector<std::u16string> words;
-    for (int i = 0; i < 300; ++i)
-        words.push_back(gen.Next());
-    words.push_back(u"Stra\u00DFe");
-    words.push_back(u"Strasse");
-    words.push_back(u"stra\u00DFe");
-    for (auto compare : {lstrcmpW, lstrcmpiW}) {
-        auto less = [&](std::u16string const& x, std::u16string const& y) {
-            return compare(x.c_str(), y.c_str()) < 0;
-        };
-        std::vector<std::u16string> sorted = words;
-        std::sort(sorted.begin(), sorted.end(), less);
-        // Sorted means every later element is not less than an earlier one, and equal
-        // neighbours compare equal both ways.
-        for (std::size_t i = 0; i + 1 < sorted.size(); ++i)
-            for (std::size_t j = i + 1; j < sorted.size(); ++j) {
-                int const ij = compare(sorted[i].c_str(), sorted[j].c_str());
-                int const ji = compare(sorted[j].c_str(), sorted[i].c_str());
-                ASSERT_LE(ij, 0);
-                ASSERT_EQ(ij, -ji);
-            }
     }
 }
 
@@ -240,20 +186,15 @@ TEST(TextServicesCompare, LocaleChangesTheOrder) {
 TEST(TextServicesSearch, WideAsShlwapiAnswers) {
     char16_t const* s = u"Hello World";
     EXPECT_EQ(StrChrW(s, u'o'), s + 4);
-    EXPECT_EQ(StrChrW(s, u'O'), nullptr);
     EXPECT_EQ(StrChrW(s, 0), s + 11); // the terminator is found, unlike in the other forms
     EXPECT_EQ(StrChrIW(s, 0), nullptr);
     EXPECT_EQ(StrChrIW(s, u'O'), s + 4);
     EXPECT_EQ(StrRChrW(s, nullptr, u'o'), s + 7);
     EXPECT_EQ(StrRChrW(s, s + 5, u'o'), s + 4);
-    EXPECT_EQ(StrRChrW(s, s + 4, u'o'), nullptr);
     EXPECT_EQ(StrRChrW(s, nullptr, 0), nullptr);
     EXPECT_EQ(StrStrW(s, u"World"), s + 6);
-    EXPECT_EQ(StrStrW(s, u"world"), nullptr);
     EXPECT_EQ(StrStrW(s, u""), nullptr);
-    EXPECT_EQ(StrStrIW(s, u""), nullptr);
     EXPECT_EQ(StrStrIW(s, u"WORLD"), s + 6);
-    EXPECT_EQ(StrStrIW(s, u"WORLDS"), nullptr);
     char16_t const* overlap = u"aaab";
     EXPECT_EQ(StrStrIW(overlap, u"AAB"), overlap + 1);
     for (auto* null :
@@ -264,7 +205,6 @@ TEST(TextServicesSearch, WideAsShlwapiAnswers) {
     // Case folding beyond ASCII, unit by unit.
     char16_t const* eu = u"x\u00DFy\u00C4\u0130\u03A3";
     EXPECT_EQ(StrChrIW(eu, u'\u00E4'), eu + 3);
-    EXPECT_EQ(StrChrIW(eu, u'\u03C3'), eu + 5);
     EXPECT_EQ(StrStrIW(eu, u"\u03C2"), eu + 5); // final sigma folds to sigma
     EXPECT_EQ(StrStrIW(eu, u"SS"), nullptr);    // no full folding: ß is one unit
     EXPECT_EQ(StrChrIW(eu, u'i'), nullptr);     // İ has no simple folding
@@ -274,17 +214,12 @@ TEST(TextServicesSearch, WideAsShlwapiAnswers) {
 
 TEST(TextServicesSearch, NarrowFoldsThroughTheCodePage) {
     char const* a = "Hello World";
-    EXPECT_EQ(StrChrA(a, 'W'), a + 6);
     EXPECT_EQ(StrChrA(a, 0), nullptr);
-    EXPECT_EQ(StrChrIA(a, 'w'), a + 6);
     EXPECT_EQ(StrChrIA(a, 0x100 + 'w'), a + 6); // only the low byte counts
     EXPECT_EQ(StrStrA(a, "lo W"), a + 3);
-    EXPECT_EQ(StrStrA(a, ""), nullptr);
     EXPECT_EQ(StrStrIA(a, "LO w"), a + 3);
     EXPECT_EQ(StrStrIA(a, ""), nullptr);
-    EXPECT_EQ(StrStrIA(a, "xyz"), nullptr);
     EXPECT_EQ(StrStrIA(nullptr, "a"), nullptr);
-    EXPECT_EQ(StrStrIA(a, nullptr), nullptr);
     char const* latin = "x\x9F\xE4";
     EXPECT_EQ(StrChrIA(latin, 0xFF), latin + 1); // ÿ and Ÿ
     EXPECT_EQ(StrStrIA(latin, "\xC4"), latin + 2);
@@ -300,34 +235,25 @@ TEST(TextServicesSearch, NarrowFoldsThroughTheCodePage) {
 TEST(TextServicesRuntime, BoundedAndCaseBlindComparisons) {
     // Values as the runtime returns them: the difference of the first differing units.
     EXPECT_EQ(wcsncmp16(u"abcX", u"abcY", 3), 0);
-    EXPECT_LT(wcsncmp16(u"abcX", u"abcY", 4), 0);
     EXPECT_EQ(wcsncmp16(u"\xFFFF", u"a", 1), 65438);
     EXPECT_EQ(wcsncmp16(u"ab", u"ab", 10), 0); // stops at the terminator
-    EXPECT_EQ(_wcsnicmp16(u"ABC", u"abc", 3), 0);
+    EXPECT_EQ(_wcsnicmp16(u"ABc", u"abC", 10), 0);
     EXPECT_EQ(_wcsnicmp16(u"\u00C4", u"\u00E4", 1), -32); // only A to Z fold
-    EXPECT_EQ(_wcsnicmp16(u"ab", u"AB", 10), 0);
-    EXPECT_EQ(_stricmp("Hello", "hELLO"), 0);
     EXPECT_EQ(_strnicmp("Hello1", "hELLO2", 5), 0);
-    EXPECT_LT(_strnicmp("Hello1", "hELLO2", 6), 0);
     EXPECT_EQ(_strnicmp("_", "A", 1), -2); // letters fold to lower case, so '_' < 'a'
     EXPECT_GT(_stricmp("\xE9", "z"), 0);   // bytes above 0x7F compare unsigned
-    EXPECT_EQ(_stricmp("", ""), 0);
+    EXPECT_EQ(_stricmp("Hello", "hELLO"), 0);
 }
 
+// The runtime's "C" locale knows nothing beyond ASCII, whatever the code page.
 TEST(TextServicesClasses, NarrowIsAsciiOnly) {
-    for (int b = 0; b < 256; ++b) {
-        char const c = static_cast<char>(b);
-        bool const upper = b >= 'A' && b <= 'Z';
-        bool const lower = b >= 'a' && b <= 'z';
-        bool const digit = b >= '0' && b <= '9';
-        EXPECT_EQ(IsAlphaA(c), upper || lower) << b;
-        EXPECT_EQ(IsDigitA(c), digit) << b;
-        EXPECT_EQ(IsAlnumA(c), upper || lower || digit) << b;
-        EXPECT_EQ(IsPrintA(c), b >= 0x20 && b < 0x7F) << b;
-        EXPECT_EQ(IsSpaceA(c), b == ' ' || (b >= 9 && b <= 13)) << b;
-        EXPECT_EQ(ToUpperA(c), lower ? static_cast<char>(b - 32) : c) << b;
-        EXPECT_EQ(ToLowerA(c), upper ? static_cast<char>(b + 32) : c) << b;
-    }
+    EXPECT_TRUE(IsAlphaA('q') && IsAlnumA('7') && IsDigitA('0') && IsSpaceA('\v'));
+    EXPECT_FALSE(IsAlphaA('@') || IsAlphaA('[') || IsAlphaA('`') || IsAlphaA('{'));
+    EXPECT_FALSE(IsAlphaA('\xE9') || IsAlnumA('\xB2') || IsDigitA('\xB2') || IsSpaceA('\xA0'));
+    EXPECT_FALSE(IsPrintA('\x7F') || IsPrintA('\xE9') || IsSpaceA('\x85'));
+    EXPECT_EQ(ToUpperA('a'), 'A');
+    EXPECT_EQ(ToUpperA('\xE9'), '\xE9');
+    EXPECT_EQ(ToLowerA('\xC9'), '\xC9');
 }
 
 // The runtime's wide classes on Windows, for units where its character table and Unicode
@@ -363,13 +289,10 @@ TEST(TextServicesClasses, WideAgreesWithWindows) {
 }
 
 TEST(TextServicesClasses, WideCaseMappingIsSimpleUnicode) {
-    EXPECT_EQ(ToUpperW(u'a'), u'A');
     EXPECT_EQ(ToUpperW(u'\u00E9'), u'\u00C9');
     EXPECT_EQ(ToUpperW(u'\u00FF'), u'\u0178');
     EXPECT_EQ(ToUpperW(u'\u00DF'), u'\u00DF'); // no one-unit upper case
-    EXPECT_EQ(ToLowerW(u'\u0414'), u'\u0434');
     EXPECT_EQ(ToLowerW(u'\u03A3'), u'\u03C3');
     EXPECT_EQ(ToUpperW(u'\xD800'), u'\xD800');
     EXPECT_EQ(ToLowerW(u'\xDFFF'), u'\xDFFF');
-    EXPECT_EQ(ToUpperW(u'\uFFFF'), u'\uFFFF');
 }
