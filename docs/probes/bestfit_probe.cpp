@@ -3,8 +3,8 @@
 // best-fit mappings. The output, one "XXXX YY" line each, is the table in CodePage.cpp.
 // Build: x86_64-w64-mingw32-g++ bestfit_probe.cpp -o bestfit_probe.exe
 // Run:   WINEDEBUG=-all wine bestfit_probe.exe
-#include <windows.h>
 #include <cstdio>
+#include <windows.h>
 
 int main() {
     bool direct[0x10000] = {};

@@ -98,8 +98,9 @@ struct Collation {
 constexpr char16_t firstFast = 0x20;
 constexpr char16_t lastFast = 0x7E;
 
-// True when the locale has a contraction made only of printable ASCII ("ch" in Czech): such a
-// pair is one collation element and the per-character tables would be wrong.
+// True when the locale has a contraction made only of printable ASCII ("ch" in Czech, "aa" in
+// Danish) or expands a printable ASCII character into several collation elements: then one
+// rank per character would be wrong.
 bool HasAsciiContraction(UCollator const* coll) {
     UErrorCode status = U_ZERO_ERROR;
     USet* contractions = uset_openEmpty();
@@ -107,7 +108,7 @@ bool HasAsciiContraction(UCollator const* coll) {
     ucol_getContractionsAndExpansions(coll, contractions, expansions, true, &status);
     bool found = U_FAILURE(status);
     for (char16_t c = firstFast; !found && c <= lastFast; ++c)
-        found = uset_contains(expansions, c) || uset_contains(contractions, c);
+        found = uset_contains(expansions, c);
     int32_t const items = uset_getItemCount(contractions);
     UChar buffer[64];
     for (int32_t i = 0; !found && i < items; ++i) {
