@@ -1,6 +1,8 @@
 #include <qv/core/BError.h>
 #include <utility>
 
+QV_REGISTER_CLASSNAME(BError);
+
 BError::BError(int code) : m_error(code) {}
 
 BError::BError(int code, char16_t const* a0, char16_t const* a1, char16_t const* a2,

@@ -1,8 +1,8 @@
 // Class names in the stored form "class " plus the bare name, independent of how a compiler
-// names types. Each class declares its name with QV_DECLARE_CLASSNAME in its body and enters
-// it here with QV_REGISTER_CLASSNAME in its source (the declaration takes the access of
-// the place where it stands); ClassName() then finds the name of an
-// object's dynamic type by its type_info.
+// names types. Each class enters its name here with QV_REGISTER_CLASSNAME in its source; a
+// class that offers a static CLASSNAME() declares it with QV_DECLARE_CLASSNAME in its body
+// (the declaration takes the access of the place where it stands); ClassName() then finds the name
+// of an object's dynamic type by its type_info.
 #pragma once
 
 #include <typeinfo>
@@ -24,4 +24,4 @@ public:
 
 #define QV_REGISTER_CLASSNAME(Name)                                                                \
     [[maybe_unused]] static bool const qv_classname_registered_##Name =                            \
-        ClassNameRegistry::Register(typeid(Name), Name::CLASSNAME())
+        ClassNameRegistry::Register(typeid(Name), "class " #Name)

@@ -48,6 +48,11 @@ public:
         return *this;
     }
 
+    template <class U>
+    requires(!std::is_same_v<U, T>) SP& operator=(SP<U> const& other) noexcept {
+        return *this = Convert(other.get());
+    }
+
     operator T*() const noexcept { return m_p; }
     T* operator->() const noexcept { return m_p; }
     T& operator*() const noexcept { return *m_p; }

@@ -585,9 +585,11 @@ bool StringBase<S, Unit>::Replace(Unit c1, Unit c2, bool caseSensitive) {
     Unit const* hit = find(CStr());
     if (!hit)
         return false;
+    // Positions, not pointers, survive the unsharing.
     size_type pos = static_cast<size_type>(hit - CStr());
     Unshare();
-    for (Unit* text = m_block->Text(); hit; hit = find(text + pos + 1)) {
+    Unit* text = m_block->Text();
+    for (hit = text + pos; hit; hit = find(text + pos + 1)) {
         pos = static_cast<size_type>(hit - text);
         text[pos] = c2;
     }

@@ -1,0 +1,20 @@
+// Consumers include one header; it must reach every public header of the library.
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <qv/qvcore.h>
+#include <sstream>
+
+TEST(Umbrella, IncludesEveryPublicHeader) {
+    namespace fs = std::filesystem;
+    fs::path root = QV_SOURCE_DIR;
+    std::ifstream umbrella(root / "qv/qvcore.h");
+    std::stringstream text;
+    text << umbrella.rdbuf();
+    for (auto const& entry : fs::recursive_directory_iterator(root / "qv")) {
+        if (entry.path().extension() != ".h" || entry.path().filename() == "qvcore.h")
+            continue;
+        std::string include = "#include <" + fs::relative(entry.path(), root).string() + ">";
+        EXPECT_NE(text.str().find(include), std::string::npos) << include;
+    }
+}

@@ -1,0 +1,108 @@
+#include <cerrno>
+#include <climits>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <qv/core/BError.h>
+#include <qv/core/GetLastErrorMessage.h>
+#include <qv/core/Narrowing.h>
+#include <qv/core/SetThreadName.h>
+#include <sys/syscall.h>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+// Runs f, expecting a BError with the code and argument 0.
+template <class F>
+void ExpectError(F f, int code, char16_t const* argument0) {
+    try {
+        f();
+        ADD_FAILURE() << "nothing thrown";
+    } catch (BError const& e) {
+        EXPECT_EQ(e.Error(), code);
+        EXPECT_EQ(e.Argument(0), WString(argument0));
+    }
+}
+
+} // namespace
+
+TEST(BError, ConstructionAndAccess) {
+    BError none;
+    EXPECT_EQ(none.Error(), 0);
+    EXPECT_FALSE(none.IsFailure());
+    for (int i = -1; i <= 4; ++i)
+        EXPECT_TRUE(none.Argument(i).IsEmpty()) << i;
+    BError e(5, u"a", nullptr, u"c");
+    EXPECT_TRUE(e.IsFailure());
+    EXPECT_EQ(e.Argument(0), WString(u"a"));
+    EXPECT_TRUE(e.Argument(1).IsEmpty());
+    EXPECT_EQ(e.Argument(2), WString(u"c"));
+    e = 7;
+    EXPECT_EQ(e.Error(), 7);
+    EXPECT_EQ(e.Argument(0), WString(u"a")) << "assigning a number keeps the arguments";
+    BError copy;
+    copy = e;
+    EXPECT_EQ(copy.Error(), 7);
+    EXPECT_EQ(copy.Argument(2), WString(u"c"));
+}
+
+TEST(BError, ChecksThrowCopies) {
+    BError e(5, u"x", u"y");
+    EXPECT_NO_THROW(e.Check(0));
+    try {
+        e.Check(9);
+        ADD_FAILURE();
+    } catch (BError const& thrown) {
+        EXPECT_EQ(thrown.Error(), 9);
+        EXPECT_EQ(thrown.Argument(1), WString(u"y"));
+    }
+    EXPECT_EQ(e.Error(), 5) << "the object keeps its own code";
+    BError ok;
+    EXPECT_NO_THROW(e.Check(ok));
+    ExpectError([&] { ok.Check(e); }, 5, u"x");
+    ExpectError([&] { e.Throw(); }, 5, u"x");
+    EXPECT_NO_THROW(BError::Test(0, u"x", u"y"));
+    try {
+        BError::Test(5, u"x", u"y");
+    } catch (BError const& thrown) {
+        EXPECT_EQ(thrown.Argument(1), WString(u"y"));
+        EXPECT_TRUE(thrown.Argument(2).IsEmpty());
+        EXPECT_TRUE(thrown.Argument(3).IsEmpty());
+    }
+    ExpectError([] { BError::Condition(false, u"why", u"where"); }, 32767, u"why");
+    ExpectError([] { BError::Check(false, 31825, u"file"); }, 31825, u"file");
+    EXPECT_NO_THROW(BError::Check(true, 31825, u"file"));
+}
+
+TEST(Narrowing, Boundaries) {
+    EXPECT_EQ(Sizet_int(2147483647ull), INT_MAX);
+    ExpectError([] { Sizet_int(2147483648ull); }, 32767, u"Sizet_int");
+    EXPECT_EQ(Sizet_uint(4294967295ull), UINT_MAX);
+    ExpectError([] { Sizet_uint(4294967296ull); }, 32767, u"Sizet_uint");
+    EXPECT_EQ(Sizet_byte(255), 255);
+    ExpectError([] { Sizet_byte(256); }, 32767, u"Sizet_byte");
+    EXPECT_EQ(Longptr_int(-2147483648ll), INT_MIN);
+    ExpectError([] { Longptr_int(-2147483649ll); }, 32767, u"Longptr_int");
+    ExpectError([] { Longptr_int(2147483648ll); }, 32767, u"Longptr_int");
+    EXPECT_EQ(Dwordptr_int(0xFFFFFFFF80000000ull), INT_MIN);
+    EXPECT_EQ(Dwordptr_int(0xFFFFFFFFFFFFFFFFull), -1);
+    EXPECT_EQ(Dwordptr_int(0x7FFFFFFFull), INT_MAX);
+    ExpectError([] { Dwordptr_int(0x80000000ull); }, 32767, u"Dwordptr_int");
+    ExpectError([] { Dwordptr_int(0xFFFFFFFFull); }, 32767, u"Dwordptr_int");
+}
+
+TEST(SystemDiagnostics, LastErrorMessageAndThreadNames) {
+    errno = ENOENT;
+    EXPECT_EQ(GetLastErrorMessage(), WString(u"No such file or directory"));
+    errno = 123456;
+    EXPECT_TRUE(GetLastErrorMessage().IsEmpty()) << "a code the system does not know";
+
+    std::string seen;
+    std::thread worker([&] {
+        SetThreadName("qv-worker-with-a-long-name", 0xFFFFFFFF);
+        std::ifstream comm("/proc/self/task/" + std::to_string(syscall(SYS_gettid)) + "/comm");
+        std::getline(comm, seen);
+    });
+    worker.join();
+    EXPECT_EQ(seen, "qv-worker-with-");
+}

@@ -1,0 +1,145 @@
+#include <gtest/gtest.h>
+#include <qv/core/BError.h>
+#include <qv/core/BSmartObj.h>
+
+namespace {
+
+// Counts destructions so that tests can see who ran.
+struct Probe : BSmartObj {
+    QV_DECLARE_CLASSNAME(Probe)
+    explicit Probe(int* destroyed) : m_destroyed(destroyed) {}
+    ~Probe() override { ++*m_destroyed; }
+    int* m_destroyed;
+};
+QV_REGISTER_CLASSNAME(Probe);
+
+struct Derived : Probe {
+    QV_DECLARE_CLASSNAME(Derived)
+    Derived(int* destroyed, int* derivedDestroyed) : Probe(destroyed), m_mine(derivedDestroyed) {}
+    ~Derived() override { ++*m_mine; }
+    int* m_mine;
+};
+QV_REGISTER_CLASSNAME(Derived);
+
+// BSmartObj as a virtual base, as attributes use it.
+struct Mixin : virtual BSmartObj {};
+struct Attribute : virtual BSmartObj {};
+struct Both : Attribute, Mixin {
+    QV_DECLARE_CLASSNAME(Both)
+};
+QV_REGISTER_CLASSNAME(Both);
+
+struct Unregistered : BSmartObj {};
+
+struct Throwing : BSmartObj {
+    bool VerifyObj() override { throw 42; }
+};
+struct Unsound : BSmartObj {
+    bool VerifyObj() override { return false; }
+};
+
+} // namespace
+
+TEST(BSmartObj, CountsStartAtZeroAndNumbersAscend) {
+    BSmartObj first;
+    BSmartObj second;
+    EXPECT_EQ(first.RefCount(), 0);
+    EXPECT_EQ(second.UniqueID(), first.UniqueID() + 1);
+    EXPECT_EQ(BSmartObjBase::LastUniqueID(), second.UniqueID());
+    BSmartObj copy(first);
+    EXPECT_EQ(copy.RefCount(), 0);
+    EXPECT_NE(copy.UniqueID(), first.UniqueID()) << "a copy is a new object";
+    SP<BSmartObj> owner = new BSmartObj;
+    SP<BSmartObj> other = new BSmartObj;
+    long id = owner->UniqueID();
+    *owner = *other;
+    EXPECT_EQ(owner->UniqueID(), id) << "assignment copies neither count nor number";
+    EXPECT_EQ(owner->RefCount(), 1);
+}
+
+TEST(SP, OwnsAndDestroysThroughTheBase) {
+    int base = 0, derived = 0;
+    SP<BSmartObj> p = new Derived(&base, &derived);
+    {
+        SP<BSmartObj> q = p;
+        EXPECT_EQ(p->RefCount(), 2);
+    }
+    EXPECT_EQ(p->RefCount(), 1);
+    p = p; // assigning its own pointer keeps it alive
+    p = static_cast<BSmartObj*>(p);
+    EXPECT_EQ(base, 0);
+    EXPECT_EQ(p->RefCount(), 1);
+    p = nullptr;
+    EXPECT_EQ(base, 1);
+    EXPECT_EQ(derived, 1) << "the derived destructor ran";
+}
+
+TEST(SP, AssigningAnObjectOwnedByTheOldOneIsSafe) {
+    int destroyed = 0;
+    struct Holder : BSmartObj {
+        SP<BSmartObj> inner;
+    };
+    SP<Holder> outer = new Holder;
+    outer->inner = new Probe(&destroyed);
+    SP<BSmartObj> p = outer.get();
+    outer = nullptr;
+    p = static_cast<Holder*>(p.get())->inner; // the holder dies only after inner is counted
+    EXPECT_EQ(destroyed, 0);
+    EXPECT_EQ(p->RefCount(), 1);
+}
+
+TEST(SP, CheckedConversion) {
+    int destroyed = 0, derived = 0;
+    SP<BSmartObj> base = new Derived(&destroyed, &derived);
+    SP<Probe> probe = base;
+    ASSERT_TRUE(probe);
+    EXPECT_EQ(base->RefCount(), 2) << "the converted pointer holds its own reference";
+    SP<BError> error = base;
+    EXPECT_FALSE(error) << "not an error: null";
+    SP<BSmartObj const> constant = probe;
+    EXPECT_EQ(constant->RefCount(), 3);
+}
+
+TEST(SP, VirtualBaseSharesOneCount) {
+    SP<Both> both = new Both;
+    SP<Attribute> attribute = both;
+    SP<BSmartObj> root = attribute;
+    EXPECT_EQ(both->RefCount(), 3);
+    EXPECT_EQ(root->ClassName(), std::string("class Both"));
+    SP<Mixin> cross = attribute; // a sideways cast through the dynamic type
+    EXPECT_TRUE(cross);
+}
+
+TEST(BSmartObj, ClassNamesFollowTheDynamicType) {
+    EXPECT_STREQ(BSmartObj::CLASSNAME(), "class BSmartObj");
+    int d = 0, dd = 0;
+    SP<BSmartObj> p = new Derived(&d, &dd);
+    EXPECT_STREQ(p->ClassName(), "class Derived");
+    EXPECT_STREQ(p->ArchiveName(), "class Derived");
+    BError error;
+    BSmartObj& asBase = error;
+    EXPECT_STREQ(asBase.ClassName(), "class BError");
+    Unregistered loose;
+    EXPECT_STREQ(loose.ClassName(), "class (anonymous namespace)::Unregistered")
+        << "an unregistered class still gets the stored form";
+}
+
+TEST(BSmartObj, IdsAndProperties) {
+    EXPECT_EQ(std::string(BSmartObj::Id(0ull).CStr()), "0");
+    EXPECT_EQ(std::string(BSmartObj::Id(255).CStr()), "ff");
+    EXPECT_EQ(std::string(BSmartObj::Id(~0ull).CStr()), "ffffffffffffffff");
+    BSmartObj obj;
+    EXPECT_EQ(obj.Id(), BSmartObj::Id(static_cast<void*>(&obj)));
+    EXPECT_EQ(obj.Properties(), WString(u"Type : class BSmartObj"));
+    EXPECT_EQ(obj.AllocatedMemory(), 0u);
+    EXPECT_EQ(obj.Version(), 0);
+    EXPECT_TRUE(obj.VerifyObj());
+}
+
+TEST(BSmartObj, IsValidObjectProbesWithoutJudging) {
+    Unsound unsound;
+    Throwing throwing;
+    EXPECT_TRUE(BSmartObj::IsValidObject(&unsound)) << "the call came back";
+    EXPECT_FALSE(BSmartObj::IsValidObject(&throwing));
+    EXPECT_FALSE(BSmartObj::IsValidObject(nullptr));
+}

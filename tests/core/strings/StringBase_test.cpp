@@ -1,0 +1,284 @@
+// Behaviour the two string twins share, run on both.
+#include "StringTestSupport.h"
+
+#include <functional>
+#include <vector>
+
+template <class S>
+class StringTest : public ::testing::Test {};
+TYPED_TEST_SUITE(StringTest, StringTypes);
+
+// Each mutator, applied to one of two strings that share a block, must leave the other alone.
+TYPED_TEST(StringTest, EveryMutatorUnsharesFirst) {
+    using S = TypeParam;
+    using U = std::remove_cv_t<std::remove_pointer_t<decltype(S().CStr())>>;
+    auto L = [](char const* a) { return Lit<S>(a); };
+    std::vector<std::pair<char const*, std::function<void(S&)>>> mutators = {
+        {"SetAt", [](S& s) { s.SetAt(0, U('X')); }},
+        {"Append string", [](S& s) { s.Append(Make<S>("!")); }},
+        {"Append text", [&](S& s) { s.Append(L("!").get()); }},
+        {"Append char", [](S& s) { s.Append(U('!')); }},
+        {"Prepend", [&](S& s) { s.Prepend(L(">").get()); }},
+        {"Prepend char", [](S& s) { s.Prepend(U('>')); }},
+        {"Insert text", [&](S& s) { s.Insert(L("++").get(), 3); }},
+        {"Insert char", [](S& s) { s.Insert(U('+'), 3); }},
+        {"Replace char", [](S& s) { s.Replace(U('l'), U('L')); }},
+        {"IReplace char", [](S& s) { s.IReplace(U('H'), U('j')); }},
+        {"Replace text", [&](S& s) { s.Replace(L("World").get(), L("There").get()); }},
+        {"IReplace text", [&](S& s) { s.IReplace(L("world").get(), L("x").get()); }},
+        {"ReplaceAt", [&](S& s) { s.ReplaceAt(L("JJ").get(), 2); }},
+        {"Remove", [](S& s) { s.Remove(1, 2); }},
+        {"CutAt", [](S& s) { s.CutAt(4); }},
+        {"Cut", [](S& s) { s.Cut(4); }},
+        {"Cut n", [](S& s) { s.Cut(2, 3); }},
+        {"CutAfter", [](S& s) { s.CutAfter(U(';')); }},
+        {"Split",
+         [](S& s) {
+             S rest;
+             s.Split(rest, U(','));
+         }},
+        {"TrimLeft", [](S& s) { s.TrimLeft(); }},
+        {"TrimLeft char", [](S& s) { s.TrimLeft(U(' ')); }},
+        {"TrimLeft set", [&](S& s) { s.TrimLeft(L(" H").get()); }},
+        {"TrimRight", [](S& s) { s.TrimRight(); }},
+        {"TrimRight char", [](S& s) { s.TrimRight(U(' ')); }},
+        {"TrimRight set", [&](S& s) { s.TrimRight(L(" b").get()); }},
+        {"EraseLeadingChars", [](S& s) { s.EraseLeadingChars(U(' ')); }},
+        {"EraseTrailingChars", [](S& s) { s.EraseTrailingChars(U(' ')); }},
+        {"EraseAllChars", [](S& s) { s.EraseAllChars(U('l')); }},
+        {"ToLower", [](S& s) { s.ToLower(); }},
+        {"ToUpper", [](S& s) { s.ToUpper(); }},
+        {"Fill", [](S& s) { s.Fill(3, U('z')); }},
+        {"Clear", [](S& s) { s.Clear(); }},
+        {"assign", [&](S& s) { s = L("other").get(); }},
+    };
+    for (auto& [name, mutate] : mutators) {
+        S original = Make<S>("  Hello, World;a;b  ");
+        S copy = original;
+        mutate(copy);
+        EXPECT_EQ(Ascii(original), "  Hello, World;a;b  ") << name;
+        EXPECT_NE(Ascii(copy), "  Hello, World;a;b  ") << name;
+    }
+}
+
+TYPED_TEST(StringTest, NullAndEmptyAreTheSameString) {
+    using S = TypeParam;
+    S none;
+    S fromEmpty = Make<S>("");
+    EXPECT_TRUE(none.IsEmpty());
+    EXPECT_TRUE(fromEmpty.IsEmpty());
+    EXPECT_EQ(none.CStr(), fromEmpty.CStr()) << "both hand out the one static empty text";
+    EXPECT_EQ(none.CStr(0), nullptr);
+    EXPECT_EQ(none.Length(), 0u);
+    EXPECT_TRUE(none == fromEmpty);
+
+    S cut = Make<S>("abc");
+    ASSERT_TRUE(cut.CutAt(0));
+    EXPECT_TRUE(cut.IsEmpty());
+    EXPECT_NE(cut.CStr(0), nullptr) << "a block with empty text stays a block";
+    EXPECT_TRUE(cut == none);
+}
+
+TYPED_TEST(StringTest, TokensCountEverySeparator) {
+    using S = TypeParam;
+    using U = std::remove_cv_t<std::remove_pointer_t<decltype(S().CStr())>>;
+    U sep = U(';');
+    EXPECT_EQ(S().TokenCount(sep), 0u);
+    EXPECT_EQ(Make<S>("a;;b").TokenCount(sep), 3u);
+    EXPECT_EQ(Ascii(Make<S>("a;;b").Token(1, sep)), "");
+    EXPECT_EQ(Ascii(Make<S>("a;;b").Token(2, sep)), "b");
+    S trailing = Make<S>("a;");
+    EXPECT_EQ(trailing.GetTokenCount(sep), 2u);
+    EXPECT_EQ(Ascii(trailing.Token(0, sep)), "a");
+    EXPECT_TRUE(trailing.Token(1, sep).IsEmpty());
+    EXPECT_TRUE(trailing.Token(5, sep).IsEmpty());
+    S leading = Make<S>(";a");
+    EXPECT_TRUE(leading.Token(0, sep).IsEmpty());
+    EXPECT_EQ(Ascii(leading.GetToken(1, sep)), "a");
+}
+
+TYPED_TEST(StringTest, SearchEdges) {
+    using S = TypeParam;
+    using U = std::remove_cv_t<std::remove_pointer_t<decltype(S().CStr())>>;
+    auto L = [](char const* a) { return Lit<S>(a); };
+    S s = Make<S>("abcabc");
+    EXPECT_TRUE(S().Includes(L("").get()));
+    EXPECT_FALSE(S().Includes(L("a").get()));
+    EXPECT_EQ(s.Search(L("bc").get()), 1u);
+    EXPECT_EQ(s.Search(L("bc").get(), 2), 4u);
+    EXPECT_EQ(s.Search(Make<S>("c"), 3), 5u);
+    unsigned long long pos = 99;
+    EXPECT_TRUE(s.IncludesPos(L("").get(), pos));
+    EXPECT_EQ(pos, 0u);
+    EXPECT_TRUE(s.IncludesPos(L("ca").get(), pos));
+    EXPECT_EQ(pos, 2u);
+    pos = 99;
+    EXPECT_FALSE(s.IncludesPos(L("x").get(), pos));
+    EXPECT_EQ(pos, 0u) << "pos is reset before the search";
+    EXPECT_TRUE(s.IIncludes(L("BCA").get()));
+    EXPECT_TRUE(s.IIncludes('C'));
+    EXPECT_FALSE(s.Includes('C'));
+    EXPECT_FALSE(s.Includes(U(0))) << "the terminator does not occur in the text";
+}
+
+TYPED_TEST(StringTest, PrefixAndSuffixRules) {
+    using S = TypeParam;
+    auto L = [](char const* a) { return Lit<S>(a); };
+    using U = std::remove_cv_t<std::remove_pointer_t<decltype(S().CStr())>>;
+    U const* null = nullptr;
+    S none;
+    S emptyBlock = Make<S>("x");
+    emptyBlock.CutAt(0);
+    EXPECT_TRUE(none.StartsWith(null));
+    EXPECT_FALSE(none.StartsWith(L("").get())) << "a null string starts with nothing";
+    EXPECT_TRUE(emptyBlock.StartsWith(L("").get()));
+    EXPECT_FALSE(none.EndsWith(L("").get()));
+    EXPECT_TRUE(none.EndsWith(null));
+    S s = Make<S>("Sensor.INI");
+    EXPECT_TRUE(s.IStartsWith(L("sensor").get()));
+    EXPECT_FALSE(s.StartsWith(L("sensor").get()));
+    EXPECT_TRUE(s.IEndsWith(L(".ini").get()));
+    EXPECT_FALSE(s.EndsWith(L(".ini").get()));
+    EXPECT_FALSE(s.EndsWith(L("longer than Sensor.INI").get()));
+}
+
+TYPED_TEST(StringTest, CuttingAndSplitting) {
+    using S = TypeParam;
+    using U = std::remove_cv_t<std::remove_pointer_t<decltype(S().CStr())>>;
+    S path = Make<S>("dir/sub/file");
+    S rest;
+    EXPECT_TRUE(path.Split(rest, U('/'), false));
+    EXPECT_EQ(Ascii(path), "dir/sub");
+    EXPECT_EQ(Ascii(rest), "/file") << "the separator starts the rest";
+    EXPECT_FALSE(path.Split(rest, U('#')));
+    EXPECT_TRUE(rest.IsEmpty());
+    EXPECT_EQ(Ascii(path), "dir/sub");
+
+    S after = Make<S>("a.b.c");
+    EXPECT_TRUE(after.CutAfter(U('.')));
+    EXPECT_EQ(Ascii(after), "a.");
+    EXPECT_FALSE(after.CutAfter(U('.'))) << "the separator is the last character";
+    S none;
+    EXPECT_FALSE(none.CutAfter(U('.')));
+    EXPECT_NE(none.CStr(0), nullptr) << "unsharing left a block behind";
+
+    S s = Make<S>("0123456789");
+    EXPECT_EQ(Ascii(s.Cut(7)), "789");
+    EXPECT_EQ(Ascii(s), "0123456");
+    EXPECT_EQ(Ascii(s.Cut(1, 2)), "12");
+    EXPECT_EQ(Ascii(s), "03456");
+    EXPECT_TRUE(s.Cut(99).IsEmpty());
+    s.Remove(2, ~0ull);
+    EXPECT_EQ(Ascii(s), "03") << "a count past the end truncates";
+    EXPECT_EQ(Ascii(Make<S>("abc").Sub(1, ~0ull)), "bc");
+    EXPECT_TRUE(Make<S>("abc").Sub(3).IsEmpty());
+    EXPECT_EQ(Ascii(Make<S>("key=value").SubCh(0, U('='))), "key");
+    EXPECT_TRUE(Make<S>("=value").SubCh(0, U('=')).IsEmpty());
+}
+
+TYPED_TEST(StringTest, InsertingAndReplacing) {
+    using S = TypeParam;
+    using U = std::remove_cv_t<std::remove_pointer_t<decltype(S().CStr())>>;
+    auto L = [](char const* a) { return Lit<S>(a); };
+    S s = Make<S>("abc");
+    s.Insert(U('x'), 3);
+    EXPECT_EQ(Ascii(s), "abc") << "a character cannot be inserted at the end";
+    s.Insert(L("xy").get(), 3);
+    EXPECT_EQ(Ascii(s), "abcxy") << "text can";
+    s.Insert(U('-'), 0);
+    EXPECT_EQ(Ascii(s), "-abcxy");
+    S none;
+    none.Insert(L("new").get(), 0);
+    EXPECT_EQ(Ascii(none), "new");
+
+    S as = Make<S>("aaa");
+    EXPECT_TRUE(as.Replace(L("a").get(), L("aa").get()));
+    EXPECT_EQ(Ascii(as), "aaaaaa") << "the replacement is never searched again";
+    S mixed = Make<S>("aAbA");
+    EXPECT_TRUE(mixed.IReplace(U('a'), U('A')));
+    EXPECT_EQ(Ascii(mixed), "AAbA");
+    EXPECT_FALSE(mixed.Replace(U('q'), U('r')));
+    EXPECT_FALSE(mixed.Replace(U(0), U('r')));
+    S removeAll = Make<S>("abab");
+    EXPECT_TRUE(removeAll.Replace(L("ab").get(), L("").get()));
+    EXPECT_TRUE(removeAll.IsEmpty());
+    S over = Make<S>("abcdef");
+    over.ReplaceAt(L("XYZW").get(), 4);
+    EXPECT_EQ(Ascii(over), "abcdXY") << "ReplaceAt never grows";
+}
+
+TYPED_TEST(StringTest, TrimmingAndCase) {
+    using S = TypeParam;
+    using U = std::remove_cv_t<std::remove_pointer_t<decltype(S().CStr())>>;
+    auto L = [](char const* a) { return Lit<S>(a); };
+    S s = Make<S>(" \t value \r\n");
+    EXPECT_TRUE(s.TrimLeft());
+    EXPECT_TRUE(s.TrimRight());
+    EXPECT_EQ(Ascii(s), "value");
+    EXPECT_FALSE(s.TrimLeft(U(0)));
+    EXPECT_FALSE(s.TrimRight(L("").get()));
+    S blanks = Make<S>("   ");
+    EXPECT_TRUE(blanks.TrimRight());
+    EXPECT_NE(blanks.CStr(0), nullptr) << "trimming everything on the right keeps a block";
+    S left = Make<S>("   ");
+    EXPECT_TRUE(left.TrimLeft());
+    EXPECT_TRUE(left.IsEmpty());
+    EXPECT_EQ(Ascii(Make<S>("xxaxx").EraseLeadingChars(U('x'))), "axx");
+    EXPECT_EQ(Ascii(Make<S>("a-b-c").EraseAllChars(U('-'))), "abc");
+
+    S mixed = Make<S>("MiXeD");
+    S shared = mixed;
+    EXPECT_EQ(Ascii(mixed.Lower()), "mixed");
+    EXPECT_EQ(Ascii(mixed), "MiXeD") << "Lower is const";
+    S upper = mixed.ToUpper();
+    EXPECT_EQ(Ascii(mixed), "MIXED");
+    EXPECT_EQ(upper.CStr(), mixed.CStr()) << "ToUpper hands back a copy sharing the result";
+    EXPECT_EQ(Ascii(shared), "MiXeD");
+    S none;
+    none.ToLower();
+    EXPECT_EQ(none.CStr(0), nullptr) << "a null string stays null";
+}
+
+TYPED_TEST(StringTest, AppendGrowsByTheDocumentedRule) {
+    using S = TypeParam;
+    using U = std::remove_cv_t<std::remove_pointer_t<decltype(S().CStr())>>;
+    S s;
+    for (int i = 0; i < 200; ++i)
+        s.Append(U('a' + i % 26));
+    EXPECT_EQ(s.Length(), 200u);
+    S self = Make<S>("ab");
+    self.Append(self);
+    self += self;
+    EXPECT_EQ(Ascii(self), "abababab");
+    S text = Make<S>("x");
+    text.Append(text.CStr());
+    EXPECT_EQ(Ascii(text), "xx");
+    EXPECT_EQ(Ascii(Make<S>("ab") + Make<S>("cd")), "abcd");
+    EXPECT_EQ(Ascii(Lit<S>("<").get() + Make<S>("b")), "<b");
+}
+
+TYPED_TEST(StringTest, CharacterClasses) {
+    using S = TypeParam;
+    auto L = [](char const* a) { return Lit<S>(a); };
+    EXPECT_TRUE(S().IsAlpha());
+    EXPECT_TRUE(S().IsDigit());
+    EXPECT_TRUE(Make<S>("0815").IsNumeric());
+    EXPECT_FALSE(Make<S>("08.15").IsDigit());
+    EXPECT_TRUE(Make<S>("Cam_1").IsAlphaNumUnderscore());
+    EXPECT_FALSE(Make<S>("Cam 1").IsAlphaNum());
+    EXPECT_TRUE(Make<S>("0x1F").IsCharSet(L("0123456789xABCDEF").get()));
+    EXPECT_FALSE(Make<S>("0x1g").IsCharSet(L("0123456789xABCDEF").get()));
+    EXPECT_FALSE(Make<S>("\x7f").IsPrint());
+}
+
+TYPED_TEST(StringTest, ComparisonOrdersCaseBlindKeysStrictly) {
+    using S = TypeParam;
+    S a = Make<S>("alpha"), b = Make<S>("Beta"), A = Make<S>("ALPHA");
+    EXPECT_LT(a.ICmp(b), 0);
+    EXPECT_GT(b.ICmp(a), 0);
+    EXPECT_EQ(a.ICmp(A), 0);
+    EXPECT_TRUE(a.IEqual(A));
+    EXPECT_NE(a.Cmp(A), 0);
+    EXPECT_FALSE(a == A);
+    EXPECT_TRUE(a != A);
+}

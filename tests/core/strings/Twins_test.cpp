@@ -1,0 +1,131 @@
+// The documented differences between WString and BString, and what only one twin has.
+#include "StringTestSupport.h"
+
+#include <cstdlib>
+#include <map>
+#include <qv/platform/CodePage.h>
+#include <vector>
+
+TEST(Twins, SearchReportsTheirOwnNotFoundValue) {
+    EXPECT_EQ(BString("abc").Search("x"), 65535u);
+    EXPECT_EQ(WString(u"abc").Search(u"x"), ~0ull);
+    EXPECT_EQ(BString("abc").Search(""), 65535u) << "an empty needle finds nothing";
+    EXPECT_EQ(WString(u"abc").Search(u'c', 3), ~0ull) << "from at the end";
+    EXPECT_EQ(BString().Search('a'), 65535u);
+}
+
+TEST(Twins, StrUnsharesOnlyInTheWideTwin) {
+    BString narrow("abc");
+    BString narrowCopy = narrow;
+    EXPECT_EQ(narrow.Str(), narrowCopy.Str()) << "BString::Str hands out the shared text";
+    EXPECT_EQ(BString().Str(), nullptr);
+
+    WString wide(u"abc");
+    WString wideCopy = wide;
+    wide.Str()[0] = u'X';
+    EXPECT_EQ(wideCopy, WString(u"abc"));
+    WString none;
+    EXPECT_NE(none.Str(), nullptr) << "WString::Str always gives writable text";
+    EXPECT_EQ(WString()[5], 0) << "indexing a null wide string gives 0";
+    EXPECT_EQ(WString(u"xy").GetAt(1), u'y');
+}
+
+TEST(Twins, EqualityIsExactBytesOnlyInTheNarrowTwin) {
+    // Precomposed and decomposed e-acute are one letter to the collator.
+    WString composed(u"caf\u00e9"), decomposed(u"cafe\u0301");
+    EXPECT_TRUE(composed == decomposed);
+    EXPECT_TRUE(composed.EndsWith(u"\u00e9"));
+    BString bytes("cafe"), other("cafE");
+    EXPECT_FALSE(bytes == other);
+    EXPECT_TRUE(bytes.IEndsWith("E"));
+    EXPECT_TRUE(WString() == static_cast<char16_t const*>(nullptr));
+}
+
+TEST(Twins, ReplacingACharacterByItself) {
+    WString wide(u"abc");
+    EXPECT_TRUE(wide.Replace(u'x', u'x')) << "WString says yes at once";
+    BString narrow("abc");
+    EXPECT_FALSE(narrow.Replace('x', 'x')) << "BString only when it occurs";
+    EXPECT_TRUE(narrow.Replace('a', 'a'));
+}
+
+TEST(Twins, NarrowOrderIsUnsignedBytes) {
+    EXPECT_TRUE(BString("a") < BString("\xe9"));
+    EXPECT_TRUE(BString("B") < BString("a"));
+    EXPECT_TRUE(WString(u"a") < WString(u"B")) << "the wide order is the locale's";
+}
+
+TEST(WString, WideOnlyOperations) {
+    WString s;
+    s.CopyN(3, u"abcdef");
+    EXPECT_EQ(s, WString(u"abc"));
+    char16_t unterminated[2] = {u'x', u'y'};
+    s.CopyN(2, unterminated);
+    EXPECT_EQ(s, WString(u"xy"));
+    s.CopyN(0, u"abc");
+    EXPECT_EQ(s.CStr(0), nullptr);
+
+    EXPECT_EQ(WString().AllocatedMemory(), 0u);
+    EXPECT_EQ(WString(u"abcd").AllocatedMemory(), 4u * 2 + 18);
+    EXPECT_FALSE(WString(u"caf\u00e9").Includes16bitChars());
+    EXPECT_TRUE(WString(u"\u0100").Includes16bitChars());
+
+    WString r(u"0123456789");
+    r.ReplaceAt(u"AB", 2, 5);
+    EXPECT_EQ(r, WString(u"01AB789")) << "five units at 2 become AB";
+    r.ReplaceAt(u"Z", 7, 0);
+    EXPECT_EQ(r, WString(u"01AB789Z"));
+    r.ReplaceAt(u"no", 99, 1);
+    EXPECT_EQ(r, WString(u"01AB789Z"));
+}
+
+TEST(WString, ConvertsToAndFromTheAnsiCodePage) {
+    WString wide(u"Gr\u00fc\u00dfe \u20ac");
+    BString narrow = wide.AsString();
+    EXPECT_EQ(std::string(narrow.CStr()), "Gr\xfc\xdf"
+                                          "e \x80")
+        << "Windows-1252";
+    EXPECT_EQ(WString(narrow), wide);
+    EXPECT_EQ(BString(u"Gr\u00fc\u00dfe \u20ac"), narrow);
+    EXPECT_EQ(WString::AsChar(u'\u00e9'), '\xe9');
+    EXPECT_EQ(WString::AsChar(u'\u4e2d'), '?');
+    EXPECT_EQ(WString(BString()).CStr(0), nullptr);
+}
+
+TEST(WString, Utf8RoundTripAndRepair) {
+    WString text = WString::FromUtf8("Kamera S\xc3\xbc"
+                                     "d \xf0\x9f\x93\xb7");
+    EXPECT_EQ(text.Length(), 13u) << "the camera emoji is a surrogate pair";
+    EXPECT_EQ(text.ToUtf8(), "Kamera S\xc3\xbc"
+                             "d \xf0\x9f\x93\xb7");
+    WString broken = WString::FromUtf8("a\xff\xc3");
+    EXPECT_EQ(broken.View(), std::u16string_view(u"a\ufffd\ufffd"));
+    char16_t lone[] = {u'x', 0xD800, 0};
+    EXPECT_EQ(WString(lone).ToUtf8(), "x\xef\xbf\xbd");
+    EXPECT_EQ(WString(std::u16string_view(u"ab\0cd", 5)), WString(u"ab"))
+        << "a terminator in a view ends the string";
+}
+
+TEST(WString, CaseBlindComparatorsOrderMapsAndQSort) {
+    std::map<WString, int, WString::ILess> keys;
+    keys[WString(u"Exposure")] = 1;
+    keys[WString(u"EXPOSURE")] = 2;
+    keys[WString(u"gain")] = 3;
+    EXPECT_EQ(keys.size(), 2u);
+    EXPECT_EQ(keys.begin()->second, 2);
+    std::vector<WString> v{WString(u"b"), WString(u"C"), WString(u"a")};
+    std::qsort(v.data(), v.size(), sizeof(WString), WString::ICmpForQSort);
+    EXPECT_EQ(v[0], WString(u"a"));
+    EXPECT_EQ(v[2], WString(u"C"));
+    std::map<BString, int, StrILess> narrowKeys{{BString("Key"), 1}, {BString("KEY"), 2}};
+    EXPECT_EQ(narrowKeys.size(), 1u);
+}
+
+TEST(BString, NarrowOnlyOperations) {
+    BString s("xyz");
+    EXPECT_EQ(s[0], 'x');
+    EXPECT_EQ(s[2ull], 'z');
+    EXPECT_EQ(std::string(BString::static_empty_str), "");
+    EXPECT_EQ(BString().CStr(), BString::static_empty_str);
+    EXPECT_EQ(BString(static_cast<char16_t const*>(nullptr)).CStr(0), nullptr);
+}
