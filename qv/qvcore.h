@@ -19,6 +19,9 @@
 #include <qv/core/strings/StringTraits.h>
 #include <qv/core/strings/WString.h>
 #include <qv/persistence/BArchive.h>
+#include <qv/persistence/BQuorvelArchive.h>
+#include <qv/persistence/BReadObjCallbackMap.h>
+#include <qv/persistence/Tupel.h>
 #include <qv/platform/CodePage.h>
 #include <qv/platform/SystemError.h>
 #include <qv/platform/TextServices.h>

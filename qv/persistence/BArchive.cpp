@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <qv/core/Narrowing.h>
 #include <qv/persistence/BArchive.h>
+#include <qv/persistence/BQuorvelArchive.h>
 #include <string>
 
 namespace {
@@ -91,4 +92,82 @@ BArchive& BArchive::operator>>(WString& value) {
     // A count of 0 or below, or a short read, leaves the string empty.
     value.Clear();
     return *this;
+}
+
+NArchive::ReadFunction BArchive::SmartObjReadFunction(BString className) {
+    return NArchive::BReadObjCallbackMap::Instance().Find(className.CStr());
+}
+
+// The kind of an archive is found out from the object itself. The stream archives add their
+// own branches beside the object archive's: on writing an object in place, on reading
+// TakeOut("") converted to the field's type.
+bool BArchive::IsObjectArchive() const {
+    return dynamic_cast<BQuorvelArchive const*>(this) != nullptr;
+}
+
+unsigned long long BArchive::Number(BSmartObj* object) {
+    return MapPointerToIndex(object);
+}
+
+// Formats up to 6 stored references in 4 bytes; from 7 on in 8, the upper half 0.
+void BArchive::WriteNumber(unsigned long long number) {
+    if (Version() > 6) {
+        *this << number;
+    } else {
+        *this << static_cast<std::uint32_t>(number);
+    }
+}
+
+bool BArchive::ReadNumber(unsigned long long& number) {
+    if (!CanRead())
+        return false;
+    if (Version() > 6) {
+        std::uint64_t wide = 0;
+        if (ReadMemoryBlock(&wide, 8) != 8)
+            return false;
+        number = wide;
+    } else {
+        std::uint32_t narrow = 0;
+        if (ReadMemoryBlock(&narrow, 4) != 4)
+            return false;
+        number = narrow;
+    }
+    return true;
+}
+
+unsigned long long BArchive::ReadIndex() {
+    unsigned long long number = 0;
+    ReadNumber(number);
+    return number;
+}
+
+void BArchive::WriteRef(BSmartObj* object) {
+    if (!IsObjectArchive())
+        return;
+    WriteNumber(Number(object));
+    if (object)
+        Insert(object, nullptr);
+}
+
+void BArchive::ReadRef(void* field, bool load) {
+    auto* archive = dynamic_cast<BQuorvelArchive*>(this);
+    unsigned long long number = 0;
+    if (archive && ReadNumber(number))
+        archive->NoteReference(field, number, load);
+}
+
+void BArchive::NoteRefs(std::vector<void*> const& fields,
+                        std::vector<unsigned long long> const& numbers) {
+    auto* archive = dynamic_cast<BQuorvelArchive*>(this);
+    for (std::size_t i = 0; archive && i < fields.size() && i < numbers.size(); ++i)
+        archive->NoteReference(fields[i], numbers[i], true);
+}
+
+SP<BSmartObj> BArchive::Resolve(void* field, bool& noted) {
+    auto* archive = dynamic_cast<BQuorvelArchive*>(this);
+    unsigned long long number = 0;
+    noted = archive && archive->TakeReference(field, number);
+    if (!noted)
+        return nullptr;
+    return QueryObject(reinterpret_cast<void*>(static_cast<std::uintptr_t>(number)));
 }

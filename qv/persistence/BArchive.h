@@ -4,8 +4,12 @@
 #pragma once
 
 #include <bit>
+#include <cstddef>
+#include <cstdint>
 #include <qv/core/BSmartObj.h>
+#include <qv/persistence/BReadObjCallbackMap.h>
 #include <type_traits>
+#include <vector>
 
 static_assert(std::endian::native == std::endian::little,
               "archives store the memory image of values, which the file formats fix as "
@@ -57,7 +61,109 @@ public:
     // True when reading is possible: read mode on a good archive.
     bool CanRead() const { return Mode() == READ && IsGood(); }
 
+    // The read function registered under the class name, or null.
+    static NArchive::ReadFunction SmartObjReadFunction(BString className);
+
+    // Reference forms. A field that refers to another object is stored as the object's
+    // reference number; they serve SP<T> fields of any storable T, BSmartObj as a virtual base
+    // included, and plain T * fields for references that do not own (a node's parent).
+    //
+    // Writing:
+    //   WriteIndex(p)        the number only; the object is not stored because of it
+    //   WriteObjectRef(p)    the number, and the object is queued for storage
+    //   WriteObjectList(l)   the count as 4 bytes, then WriteObjectRef of each element
+    // Reading, in a read function:
+    //   ReadIndex()          the number, in the width of WriteIndex
+    //   ReadIndex(field)     a plain reference: its number is noted, nothing is loaded
+    //   ReadObjectRef(field) the number is noted and its object queued for loading
+    //   ReadObjectList(l)    the count, then one element per stored number
+    // Resolving, in UpdateAssociations once every object of the load exists:
+    //   ResolveIndex(field), ResolveObjectRef(field), ResolveObjectList(l)
+    //
+    // A field under load never holds a number: it stays null, and the archive keeps the
+    // number beside it, keyed by the field's address, until the resolve form replaces it by
+    // the object (null for a number that finds nothing or an object of another type). So a
+    // load given up half-way releases nothing that is not an object. A field that was not
+    // read through the archive is left alone by the resolve forms.
+    //
+    // Lists are DList-like: Count(), RemoveAll(), AddTail(value), walkable by range-for,
+    // with elements that keep their addresses while the list lives.
+    //
+    // On an archive that is neither an object archive nor a stream archive, the object and
+    // list forms do nothing; WriteIndex and ReadIndex() work on every archive.
+    template <class P>
+    void WriteIndex(P const& pointer) {
+        WriteNumber(Number(SmartPart(pointer)));
+    }
+    template <class P>
+    void WriteObjectRef(P const& object) {
+        WriteRef(SmartPart(object));
+    }
+    template <class List>
+    void WriteObjectList(List const& list);
+
+    unsigned long long ReadIndex();
+    template <class T>
+    void ReadIndex(T*& field) {
+        field = nullptr;
+        ReadRef(&field, false);
+    }
+    template <class T>
+    void ReadObjectRef(SP<T>& field) {
+        field = nullptr;
+        ReadRef(&field, true);
+    }
+    template <class List>
+    void ReadObjectList(List& list);
+
+    template <class T>
+    void ResolveIndex(T*& field) {
+        bool noted = false;
+        SP<BSmartObj> object = Resolve(&field, noted);
+        if (noted)
+            field = SP<T>(object).get(); // the archive keeps the object alive
+    }
+    template <class T>
+    void ResolveObjectRef(SP<T>& field) {
+        bool noted = false;
+        SP<BSmartObj> object = Resolve(&field, noted);
+        if (noted)
+            field = object;
+    }
+    // Returns how many elements stayed null, so that an owner that wants no null entries
+    // knows whether it has to walk its list once more.
+    template <class List>
+    std::size_t ResolveObjectList(List& list) {
+        std::size_t nulls = 0;
+        for (auto& element : list) {
+            ResolveObjectRef(element);
+            nulls += element ? 0 : 1;
+        }
+        return nulls;
+    }
+
 private:
+    template <class T>
+    static BSmartObj* SmartPart(T* pointer) {
+        // The implicit conversion finds the BSmartObj part also through a virtual base, and
+        // keeps null null.
+        return const_cast<BSmartObj*>(static_cast<BSmartObj const*>(pointer));
+    }
+    template <class T>
+    static BSmartObj* SmartPart(SP<T> const& pointer) {
+        return SmartPart(pointer.get());
+    }
+
+    unsigned long long Number(BSmartObj* object);
+    void WriteNumber(unsigned long long number);
+    void WriteRef(BSmartObj* object);
+    // Reads a number; false if the source had fewer bytes than its width.
+    bool ReadNumber(unsigned long long& number);
+    void ReadRef(void* field, bool load);
+    void NoteRefs(std::vector<void*> const& fields, std::vector<unsigned long long> const& numbers);
+    bool IsObjectArchive() const;
+    SP<BSmartObj> Resolve(void* field, bool& noted);
+
     template <class T>
     static constexpr void CheckPlain() {
         static_assert(std::is_trivially_copyable_v<T>, "only plain values stream as bytes");
@@ -76,3 +182,34 @@ template <>
 BArchive& BArchive::operator<<(WString const& value);
 template <>
 BArchive& BArchive::operator>>(WString& value);
+
+template <class List>
+void BArchive::WriteObjectList(List const& list) {
+    if (!IsObjectArchive())
+        return;
+    *this << static_cast<std::int32_t>(list.Count());
+    for (auto const& element : list)
+        WriteObjectRef(element);
+}
+
+template <class List>
+void BArchive::ReadObjectList(List& list) {
+    if (!IsObjectArchive())
+        return;
+    std::int32_t count = 0;
+    *this >> count;
+    // The numbers are read before the list grows, and only as many as the source really
+    // holds: a damaged count must not make us append billions of elements.
+    std::vector<unsigned long long> numbers;
+    unsigned long long number = 0;
+    for (std::int32_t i = 0; i < count && ReadNumber(number); ++i)
+        numbers.push_back(number);
+    list.RemoveAll();
+    for (std::size_t i = 0; i < numbers.size(); ++i)
+        list.AddTail(nullptr);
+    std::vector<void*> fields;
+    fields.reserve(numbers.size());
+    for (auto& element : list)
+        fields.push_back(&element);
+    NoteRefs(fields, numbers);
+}

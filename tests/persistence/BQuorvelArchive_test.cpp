@@ -1,0 +1,308 @@
+#include "ArchiveFiles.h"
+#include "ArchiveTestSupport.h"
+
+#include <gtest/gtest.h>
+#include <qv/core/BError.h>
+#include <qv/persistence/BQuorvelArchive.h>
+
+namespace {
+
+using namespace archive_files;
+using namespace std::string_literals;
+
+constexpr char kName[] = "class Test";
+
+SP<ArchiveItem> Item(char const* text) {
+    return new ArchiveItem(std::u16string(text, text + std::strlen(text)));
+}
+std::string Text(ArchiveItem const* item) {
+    return item ? item->m_text.ToUtf8() : "<null>";
+}
+SP<ArchiveItem> AsItem(SP<BSmartObj> const& object) {
+    return SP<ArchiveItem>(object);
+}
+
+class ObjectArchive : public testing::Test {
+protected:
+    std::u16string Path(std::string const& name = "a.qva") const { return m_dir.U(name); }
+    std::string Bytes(std::string const& name = "a.qva") const { return ReadFile(m_dir / name); }
+    void Write(std::string const& bytes, std::string const& name = "a.qva") const {
+        WriteFile(m_dir / name, bytes);
+    }
+    // Writes the objects under their names and closes the archive.
+    void Store(std::initializer_list<std::pair<BSmartObj*, char const*>> objects) const {
+        BQuorvelArchive out(Path().c_str(), BArchive::WRITE, kName, 3);
+        for (auto [object, name] : objects)
+            out.Insert(object, name);
+    }
+    std::unique_ptr<BQuorvelArchive> Open(int version = 3, BString name = kName) const {
+        return std::make_unique<BQuorvelArchive>(Path().c_str(), BArchive::READ, name, version);
+    }
+
+    TempDir m_dir;
+};
+
+TEST_F(ObjectArchive, TwoItemTreeIsWrittenByteForByte) {
+    SP<ArchiveItem> root = Item("root");
+    root->Add(Item("a"));
+    Store({{root, "tree"}});
+    std::string const expected =
+        Header() + Record("1", "tree", "class ArchiveItem", 3, ItemData(0, {2}, 0, "root")) +
+        Record("2", "", "class ArchiveItem", 3, ItemData(0, {}, 1, "a"));
+    EXPECT_EQ(Bytes(), expected);
+}
+
+TEST_F(ObjectArchive, SharedObjectsAreStoredOnceAndLoadedAsOneInstance) {
+    SP<ArchiveItem> root = Item("root");
+    SP<ArchiveTag> tag = new ArchiveTag(42);
+    SP<ArchiveItem> shared = Item("shared");
+    for (char const* text : {"x", "y", "z"}) {
+        ArchiveItem* child = root->Add(Item(text));
+        child->m_object = shared;
+        child->m_tags.AddTail(tag);
+    }
+    // The same tag through a pointer to its BSmartObj part: one object, one number.
+    root->m_object = SP<BSmartObj>(tag);
+    Store({{root, "tree"}});
+
+    auto in = Open();
+    ASSERT_TRUE(in->IsGood());
+    SP<ArchiveItem> loaded = AsItem(in->TakeOut("tree"));
+    ASSERT_TRUE(loaded);
+    ASSERT_EQ(loaded->m_children.Count(), 3);
+    EXPECT_EQ(Text(loaded->m_children[0]), "x");
+    EXPECT_EQ(Text(loaded->m_children[2]), "z");
+    ArchiveTag* loadedTag = loaded->m_children[0]->m_tags[0];
+    EXPECT_EQ(loadedTag->m_value, 42);
+    EXPECT_EQ(SP<ArchiveTag>(loaded->m_object).get(), loadedTag);
+    for (auto const& child : loaded->m_children) {
+        EXPECT_EQ(child->m_parent, loaded.get());
+        EXPECT_EQ(child->m_object.get(), loaded->m_children[0]->m_object.get());
+        EXPECT_EQ(child->m_tags[0].get(), loadedTag);
+    }
+    // root, tag, three children, shared: six records and no more.
+    EXPECT_TRUE(in->TakeOut("6"));
+    EXPECT_FALSE(in->TakeOut("7"));
+}
+
+TEST_F(ObjectArchive, CyclesThroughReferencesLoad) {
+    SP<ArchiveItem> a = Item("a");
+    SP<ArchiveItem> b = Item("b");
+    a->m_object = SP<BSmartObj>(b);
+    b->m_object = SP<BSmartObj>(a);
+    a->m_parent = b;
+    b->m_parent = a;
+    Store({{a, "a"}});
+    a->m_object = nullptr; // break the owning cycle of the originals
+
+    auto in = Open();
+    SP<ArchiveItem> la = AsItem(in->TakeOut("a"));
+    ASSERT_TRUE(la);
+    SP<ArchiveItem> lb = AsItem(la->m_object);
+    ASSERT_TRUE(lb);
+    EXPECT_EQ(Text(lb), "b");
+    EXPECT_EQ(lb->m_object.get(), la.get());
+    EXPECT_EQ(la->m_parent, lb.get());
+    EXPECT_EQ(lb->m_parent, la.get());
+    EXPECT_FALSE(in->TakeOut("3"));
+    la->m_object = nullptr;
+}
+
+TEST_F(ObjectArchive, TakeOutByNameAndByHexadecimalId) {
+    SP<ArchiveItem> root = Item("0");
+    ArchiveItem* last = root;
+    for (int i = 1; i < 20; ++i)
+        last = last->Add(Item(std::to_string(i).c_str()));
+    Store({{root, "chain"}});
+
+    auto in = Open();
+    SP<BSmartObj> byName = in->TakeOut("chain");
+    EXPECT_EQ(in->TakeOut("1").get(), byName.get());
+    EXPECT_EQ(Text(AsItem(in->TakeOut("b"))), "10"); // the eleventh object
+    EXPECT_EQ(Text(AsItem(in->TakeOut("14"))), "19");
+    EXPECT_FALSE(in->TakeOut("B"));
+    EXPECT_FALSE(in->TakeOut(""));
+    EXPECT_FALSE(in->TakeOut(nullptr));
+    EXPECT_FALSE(in->TakeOut("nothing"));
+}
+
+TEST_F(ObjectArchive, AnObjectBelowTheTopLoadsAloneWithoutItsParent) {
+    SP<ArchiveItem> root = Item("root");
+    root->Add(Item("child"));
+    Store({{root, "tree"}});
+
+    auto alone = Open();
+    SP<ArchiveItem> child = AsItem(alone->TakeOut("2"));
+    ASSERT_TRUE(child);
+    EXPECT_EQ(child->m_parent, nullptr);
+
+    auto both = Open();
+    SP<ArchiveItem> top = AsItem(both->TakeOut("tree"));
+    SP<ArchiveItem> again = AsItem(both->TakeOut("2"));
+    EXPECT_EQ(again.get(), top->m_children[0].get());
+    EXPECT_EQ(again->m_parent, top.get());
+    EXPECT_EQ(again->m_updates, 1); // once, however many TakeOuts
+}
+
+TEST_F(ObjectArchive, HeaderChecks) {
+    SP<ArchiveItem> root = Item("r");
+    Store({{root, "r"}});
+    EXPECT_FALSE(Open(4)->IsGood()); // application version too low
+    EXPECT_TRUE(Open(3)->IsGood());
+    EXPECT_TRUE(Open(-5)->IsGood());
+    EXPECT_FALSE(Open(3, "class Other")->IsGood());
+    EXPECT_FALSE(Open(3, "Test")->IsGood());
+
+    // Early writers left out "class "; the reader puts it in front of both strings.
+    Write(Header("Test", 3, "BArchive"));
+    EXPECT_TRUE(Open()->IsGood());
+    // A name without it, given to writer and reader alike, gives a file its reader refuses.
+    { BQuorvelArchive out(Path().c_str(), BArchive::WRITE, "Test", 3); }
+    EXPECT_FALSE(Open(3, "Test")->IsGood());
+
+    Write(Header(kName, 3, "class BArchiv"));
+    EXPECT_FALSE(Open()->IsGood());
+    for (int format : {1, 9, 0, -1}) {
+        Write(Header(kName, 3, "class BArchive", format));
+        EXPECT_FALSE(Open()->IsGood()) << format;
+    }
+    for (int format : {2, 8}) {
+        Write(Header(kName, 3, "class BArchive", format));
+        auto in = Open();
+        EXPECT_TRUE(in->IsGood());
+        EXPECT_EQ(in->Version(), format);
+        EXPECT_FALSE(in->TakeOut("1")); // a header alone is an empty archive
+    }
+    Write(Header().substr(0, 20));
+    EXPECT_FALSE(Open()->IsGood());
+    EXPECT_FALSE(Open(3, kName)->TakeOut("r"));
+    BQuorvelArchive missing(m_dir.U("none/x.qva").c_str(), BArchive::READ, kName, 0);
+    EXPECT_FALSE(missing.IsGood());
+}
+
+TEST_F(ObjectArchive, APlaceholderSizeRefusesTheWholeFile) {
+    std::string const good = Record("1", "a", "class ArchiveItem", 3, ItemData(0, {}, 0, "a"));
+    std::string unfinished = Record("2", "b", "class ArchiveItem", 3, ItemData(0, {}, 0, "b"));
+    Write(Header() + good + good);
+    EXPECT_TRUE(Open()->IsGood());
+    unfinished.replace(unfinished.size() - ItemData(0, {}, 0, "b").size() - 8, 8, 8, '\xEA');
+    Write(Header() + good + good + unfinished);
+    EXPECT_FALSE(Open()->IsGood());
+    // A size that runs over the end of the file refuses it as well.
+    Write(Header() + good + good.substr(0, good.size() - 1));
+    EXPECT_FALSE(Open()->IsGood());
+}
+
+TEST_F(ObjectArchive, OlderFormatsReadWithTheirWidths) {
+    // Format 6: 4-byte sizes and references; format 7: 4-byte sizes, 8-byte references.
+    for (auto [format, width] : {std::pair{6, 4}, std::pair{7, 8}}) {
+        Write(Header(kName, 3, "class BArchive", format) +
+              Record("1", "tree", "class ArchiveItem", 3, ItemData(0, {2}, 0, "root", width),
+                     format) +
+              Record("2", "", "ArchiveItem", 3, ItemData(0, {}, 1, "leaf", width), format));
+        auto in = Open();
+        ASSERT_TRUE(in->IsGood()) << format;
+        SP<ArchiveItem> root = AsItem(in->TakeOut("tree"));
+        ASSERT_TRUE(root) << format;
+        ASSERT_EQ(root->m_children.Count(), 1);
+        EXPECT_EQ(Text(root->m_children[0]), "leaf");
+        EXPECT_EQ(root->m_children[0]->m_parent, root.get());
+    }
+}
+
+TEST_F(ObjectArchive, UnknownClassesAndMissingRecordsLoadAsNull) {
+    Write(Header() + Record("1", "tree", "class ArchiveItem", 3, ItemData(5, {2, 3, 4}, 0, "r")) +
+          Record("2", "", "class Nobody", 0, "") +
+          Record("3", "", "class ArchiveItem", 3, ItemData(0, {}, 1, "kid")));
+    auto in = Open();
+    SP<ArchiveItem> root = AsItem(in->TakeOut("tree"));
+    ASSERT_TRUE(root);
+    EXPECT_FALSE(root->m_object);
+    ASSERT_EQ(root->m_children.Count(), 3);
+    EXPECT_FALSE(root->m_children[0]);
+    EXPECT_EQ(Text(root->m_children[1]), "kid");
+    EXPECT_FALSE(root->m_children[2]);
+    EXPECT_FALSE(in->TakeOut("2"));
+}
+
+TEST_F(ObjectArchive, LaterRecordsOfTheSameKeyWin) {
+    Write(Header() + Record("1", "x", "class ArchiveItem", 3, ItemData(0, {}, 0, "first")) +
+          Record("2", "x", "class ArchiveItem", 3, ItemData(0, {}, 0, "second")));
+    auto in = Open();
+    EXPECT_EQ(Text(AsItem(in->TakeOut("x"))), "second");
+    EXPECT_EQ(Text(AsItem(in->TakeOut("1"))), "first");
+}
+
+TEST_F(ObjectArchive, InsertKeepsTheFirstNameAndTheFirstHolderOfAName) {
+    SP<ArchiveItem> a = Item("a");
+    SP<ArchiveItem> b = Item("b");
+    Store({{a, "one"}, {a, "two"}, {b, "one"}, {nullptr, "three"}});
+    auto in = Open();
+    EXPECT_EQ(Text(AsItem(in->TakeOut("one"))), "a");
+    EXPECT_FALSE(in->TakeOut("two"));
+    EXPECT_FALSE(in->TakeOut("2"));
+}
+
+TEST_F(ObjectArchive, ASecondFlushAppends) {
+    SP<ArchiveItem> a = Item("a");
+    SP<ArchiveItem> b = Item("b");
+    BQuorvelArchive out(Path().c_str(), BArchive::WRITE, kName, 3);
+    out.Insert(a, "a");
+    EXPECT_TRUE(out.Flush());
+    std::string const first = Bytes();
+    out.Insert(b, "b");
+    out.Insert(a, "again");
+    EXPECT_TRUE(out.Flush());
+    std::string const second = Bytes();
+    EXPECT_EQ(second.substr(0, first.size()), first);
+    EXPECT_EQ(second.substr(first.size()),
+              Record("2", "b", "class ArchiveItem", 3, ItemData(0, {}, 0, "b")));
+    EXPECT_FALSE(out.TakeOut("a"));
+}
+
+TEST_F(ObjectArchive, AnObjectThatRefusesVerificationGivesNull) {
+    SP<ArchiveItem> root = Item("root");
+    root->Add(Item("child"));
+    Store({{root, "tree"}});
+    auto in = Open();
+    SP<ArchiveItem> child = AsItem(in->TakeOut("2"));
+    ASSERT_TRUE(child);
+    child->m_sound = false;
+    EXPECT_FALSE(in->TakeOut("tree"));
+    EXPECT_EQ(child->m_updates, 1);
+}
+
+TEST_F(ObjectArchive, WriteFailuresShowInIsGood) {
+    if (!std::filesystem::exists("/dev/full"))
+        GTEST_SKIP();
+    BQuorvelArchive out(u"/dev/full", BArchive::WRITE, kName, 3);
+    ASSERT_TRUE(out.IsGood());
+    SP<ArchiveItem> a = Item("a");
+    out.Insert(a, "a");
+    out.Flush();
+    EXPECT_FALSE(out.IsGood());
+    EXPECT_FALSE(out.Flush());
+    EXPECT_EQ(out.WriteMemoryBlock("x", 1), 0u);
+}
+
+TEST_F(ObjectArchive, FixedAnswersOfTheObjectArchive) {
+    BQuorvelArchive out(Path().c_str(), BArchive::WRITE, kName, 3);
+    EXPECT_EQ(out.Version(), 8);
+    EXPECT_EQ(out.Mode(), BArchive::WRITE);
+    EXPECT_FALSE(out.Force64bitFormat());
+    EXPECT_EQ(out.Path(), WString(Path()));
+    EXPECT_EQ(out.MapPointerToIndex(nullptr), 0u);
+    EXPECT_FALSE(out.QueryObject(nullptr));
+    EXPECT_EQ(out.ReadMemoryBlock(nullptr, 0), 0u);
+    EXPECT_STREQ(BQuorvelArchive::CLASSNAME(), "class BQuorvelArchive");
+    EXPECT_STREQ(out.ClassName(), "class BQuorvelArchive");
+    try {
+        out.ThrowError();
+        ADD_FAILURE();
+    } catch (BError const& e) {
+        EXPECT_EQ(e.Error(), 32767);
+        EXPECT_EQ(e.Argument(0), WString(u"$IDS_ErrorHint16"));
+    }
+}
+
+} // namespace
