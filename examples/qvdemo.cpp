@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <map>
 #include <qv/qvcore.h>
+#include <qv/tree/BNode.h>
 #include <vector>
 
 namespace {
@@ -15,6 +16,12 @@ public:
 
     BScanPoint(double x, double y, double z) : m_x(x), m_y(y), m_z(z) {}
     int Version() const override { return 2; }
+    void WriteData(BArchive& archive) const override { archive << m_x << m_y << m_z; }
+    static SP<BSmartObj> Read(BArchive& archive, int) {
+        SP<BScanPoint> point = new BScanPoint(0, 0, 0);
+        archive >> point->m_x >> point->m_y >> point->m_z;
+        return point;
+    }
     WString Properties() const override {
         return BSmartObj::Properties() + u", " + WString::FromUtf8(Describe());
     }
@@ -29,8 +36,111 @@ private:
 };
 QV_REGISTER_CLASSNAME(BScanPoint);
 
+// The calibration that several scans share: stored once, loaded as one instance.
+class BCalibration : public BSmartObj {
+public:
+    QV_DECLARE_CLASSNAME(BCalibration)
+
+    explicit BCalibration(WString camera = WString()) : m_camera(camera) {}
+    void WriteData(BArchive& archive) const override { archive << m_camera; }
+    static SP<BSmartObj> Read(BArchive& archive, int) {
+        SP<BCalibration> calibration = new BCalibration;
+        archive >> calibration->m_camera;
+        return calibration;
+    }
+    WString m_camera;
+};
+QV_REGISTER_CLASSNAME(BCalibration);
+
+// A named attribute of a node, here the colour a scan is drawn in.
+class BColourAttribute : public BAttribute {
+public:
+    QV_DECLARE_CLASSNAME(BColourAttribute)
+
+    explicit BColourAttribute(std::uint32_t rgb = 0) : m_rgb(rgb) {}
+    WString Name() const override { return WString(u"colour"); }
+    void WriteData(BArchive& archive) const override { archive << m_rgb; }
+    static SP<BSmartObj> Read(BArchive& archive, int) {
+        SP<BColourAttribute> colour = new BColourAttribute;
+        archive >> colour->m_rgb;
+        return SP<BSmartObj>(static_cast<BSmartObj*>(colour.get()));
+    }
+    std::uint32_t m_rgb;
+};
+QV_REGISTER_CLASSNAME(BColourAttribute);
+
+[[maybe_unused]] bool const registered = [] {
+    RegisterArchiveCallback(BScanPoint::CLASSNAME(), &BScanPoint::Read);
+    RegisterArchiveCallback(BCalibration::CLASSNAME(), &BCalibration::Read);
+    RegisterArchiveCallback(BColourAttribute::CLASSNAME(), &BColourAttribute::Read);
+    return true;
+}();
+
 void Print(char const* label, WString const& text) {
     std::printf("%-28s %s\n", label, text.ToUtf8().c_str());
+}
+
+std::string Describe(BSmartObj* object) {
+    if (auto* point = dynamic_cast<BScanPoint*>(object))
+        return point->Describe();
+    if (auto* calibration = dynamic_cast<BCalibration*>(object))
+        return "calibration of " + calibration->m_camera.ToUtf8() + " #" +
+               std::to_string(calibration->UniqueID());
+    return object ? object->ClassName() : "";
+}
+
+void PrintTree(BNode* node, int depth) {
+    std::printf("  %*s%s", depth * 2, "", WString(node->GetText()).ToUtf8().c_str());
+    if (node->GetObj())
+        std::printf("  [%s]", Describe(node->GetObj()).c_str());
+    if (auto* colour = dynamic_cast<BColourAttribute*>(node->Attrib(u"colour")))
+        std::printf("  colour %06x", colour->m_rgb);
+    std::printf("\n");
+    for (BNode* child = node->Child(0); child; child = child->Sister())
+        PrintTree(child, depth + 1);
+}
+
+// The road of one typical request: a measurement tree with shared objects is stored in an
+// object archive and loaded again, by name and by id.
+void StoreAndLoadTree() {
+    SP<BNode> project = new BNode;
+    project->SetText(u"Project");
+    SP<BCalibration> left = new BCalibration(WString(u"left camera"));
+    BNode* scans = project->QueryChild(u"Scans");
+    for (int i = 1; i <= 3; ++i) {
+        BNode* scan = scans->QueryChild(scans->ChildTextSuggestion(u"Scan"));
+        scan->SetObj(new BScanPoint(i * 1.5, -i * 0.25, 100.0 + i));
+        scan->AddAttrib(new BColourAttribute(0x20a0f0u * static_cast<std::uint32_t>(i)));
+        scan->QueryChild(u"Calibration")->SetObj(left);
+    }
+    std::printf("\nmeasurement tree as built:\n");
+    PrintTree(project, 0);
+
+    std::string path = (std::filesystem::temp_directory_path() / "qvdemo_project.qva").string();
+    WString widePath = WString::FromUtf8(path);
+    {
+        BQuorvelArchive archive(widePath.CStr(), BArchive::WRITE, BString("class QvDemoProject"), 1);
+        archive.Insert(project, "project");
+    } // the destructor flushes
+    std::printf("\nstored in %s (%llu bytes)\n", path.c_str(),
+                static_cast<unsigned long long>(std::filesystem::file_size(path)));
+
+    BQuorvelArchive byName(widePath.CStr(), BArchive::READ, BString("class QvDemoProject"), 1);
+    SP<BNode> loaded = byName.TakeOut("project");
+    std::printf("loaded by name, %s:\n", loaded ? "whole" : "FAILED");
+    if (loaded)
+        PrintTree(loaded, 0);
+    BNode* first = loaded ? loaded->Child(u"Scans/Scan001/Calibration") : nullptr;
+    BNode* third = loaded ? loaded->Child(u"Scans/Scan003/Calibration") : nullptr;
+    std::printf("shared calibration loaded once: %s\n",
+                first && third && first->GetObj() == third->GetObj() ? "yes" : "no");
+
+    BQuorvelArchive byId(widePath.CStr(), BArchive::READ, BString("class QvDemoProject"), 1);
+    SP<BNode> root = byId.TakeOut("1");
+    std::printf("loaded by id \"1\": %s with %d child\n",
+                root ? WString(root->GetText()).ToUtf8().c_str() : "nothing",
+                root ? root->ChildNum() : 0);
+    std::filesystem::remove(path);
 }
 
 } // namespace
@@ -90,5 +200,7 @@ int main() {
         std::printf(" %s=%d", name.ToUtf8().c_str(), count);
     std::printf("\n");
     std::printf("%-28s %s\n", "token 2 of \"a;b;c\":", BString("a;b;c").Token(2, ';').CStr());
+
+    StoreAndLoadTree();
     return 0;
 }

@@ -1,0 +1,635 @@
+#include <qv/tree/BNode.h>
+
+#include <qv/operations/MessageNumbers.h>
+#include <qv/persistence/BArchive.h>
+#include <qv/operations/QVPost.h>
+#include <qv/platform/TextServices.h>
+#include <qv/tree/BVisitor.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <vector>
+
+QV_REGISTER_CLASSNAME(BNode);
+
+// Nodes load from archives from the start, before the application registers its own classes.
+[[maybe_unused]] static bool const registered =
+    (RegisterArchiveCallback(BNode::CLASSNAME(), &BNode::Read), true);
+
+namespace {
+
+unsigned long long Number(void const* p) {
+    return static_cast<unsigned long long>(reinterpret_cast<std::uintptr_t>(p));
+}
+
+// Node names compare as shlwapi's StrCmpIW does.
+bool SameName(WString const& a, WString const& b) {
+    return qv::platform::StrCmpIW(a.CStr(), b.CStr()) == 0;
+}
+
+} // namespace
+
+// ---- construction, copying, destruction -----------------------------------------------------
+
+BNode::BNode(BSmartObj* object) {
+    if (object)
+        SetObj(object);
+}
+
+BNode::BNode(BNode const& other) : BNode(other, true) {}
+
+BNode::BNode(BNode const& other, bool announce) : BSmartObj(other), m_text(other.m_text) {
+    CopyFlagsAndDecor(other);
+    if (announce && m_object)
+        SendMsg(MSG_NODE_OBJECT_CHANGED, this);
+    CopyChildren(other, announce);
+}
+
+BNode::~BNode() {
+    // Children that live on elsewhere become roots; no messages on the way out. A child that
+    // only this list holds would die inside this destructor, and a deep branch would use up
+    // the stack: the outermost destructor on the thread takes such children over and lets
+    // them go one after another.
+    thread_local std::vector<SP<BNode>>* graveyard = nullptr;
+    std::vector<SP<BNode>> mine;
+    bool outermost = graveyard == nullptr;
+    if (outermost)
+        graveyard = &mine;
+    for (SP<BNode>& child : m_children) {
+        if (!child)
+            continue;
+        child->m_parent = nullptr;
+        child->m_place = {};
+        graveyard->push_back(std::move(child));
+    }
+    if (!outermost)
+        return;
+    while (!mine.empty()) {
+        SP<BNode> last = std::move(mine.back());
+        mine.pop_back();
+        last = nullptr; // may push the dying node's children onto the list
+    }
+    graveyard = nullptr;
+}
+
+BNode const& BNode::operator=(BNode const& other) {
+    if (this != &other) {
+        m_text = other.m_text;
+        Copy(other);
+    }
+    return *this;
+}
+
+void BNode::Copy(BNode const& other) {
+    if (this == &other)
+        return;
+    if (Includes(&other)) {
+        // Removing our children would destroy the source: copy from a silent snapshot.
+        SP<BNode> snapshot = new BNode(other, false);
+        Copy(*snapshot);
+        return;
+    }
+    RemoveChildren();
+    CopyFlagsAndDecor(other);
+    CopyChildren(other, true);
+    SendMsg(MSG_NODE_OBJECT_CHANGED, this);
+}
+
+void BNode::CopyFlagsAndDecor(BNode const& other) {
+    m_active = other.m_active;
+    m_locked = other.m_locked;
+    m_messageDispatcher = other.m_messageDispatcher;
+    m_object = other.m_object;
+    m_attributes.RemoveAll();
+    m_attributes.AddList(other.m_attributes);
+    m_annotations.RemoveAll();
+    m_annotations.AddList(other.m_annotations);
+}
+
+void BNode::CopyChildren(BNode const& other, bool announce) {
+    for (SP<BNode> const& child : other.m_children)
+        if (child)
+            Append(new BNode(*child, announce), announce);
+}
+
+// ---- BSmartObj overrides ---------------------------------------------------------------------
+
+unsigned long long BNode::AllocatedMemory() const {
+    return AllocatedMemory(false);
+}
+
+int BNode::Version() const {
+    return 2;
+}
+
+// ---- stored form ----------------------------------------------------------------------------
+
+void BNode::WriteData(BArchive& archive) const {
+    archive.WriteObjectRef(m_object);
+    archive.WriteObjectList(m_children);
+    archive.WriteObjectList(m_attributes);
+    archive << m_text.AsString(); // still written for readers of the first format
+    archive.WriteIndex(m_parent); // the parent is referred to, never queued
+    archive << static_cast<std::uint8_t>((m_active ? 1 : 0) | (m_locked ? 2 : 0));
+    archive << m_text;
+    archive.WriteObjectList(m_annotations);
+}
+
+SP<BSmartObj> BNode::Read(BArchive& archive, int version) {
+    SP<BNode> node = new BNode;
+    archive.ReadObjectRef(node->m_object);
+    archive.ReadObjectList(node->m_children);
+    archive.ReadObjectList(node->m_attributes);
+    BString narrow;
+    archive >> narrow;
+    // The stored parent is read and passed over: a node's parent is the node whose child list
+    // holds it, which UpdateAssociations establishes. In every file the library writes the two
+    // agree; in a damaged one, trusting the stored number could make a node its own ancestor.
+    archive.ReadIndex();
+    std::uint8_t flags = 1;
+    archive >> flags;
+    node->m_active = (flags & 1) != 0;
+    node->m_locked = (flags & 2) != 0;
+    if (version == 0)
+        node->m_text = WString(narrow);
+    else
+        archive >> node->m_text;
+    if (version >= 2)
+        archive.ReadObjectList(node->m_annotations);
+    return node;
+}
+
+void BNode::UpdateAssociations(BArchive& archive) {
+    BSmartObj::UpdateAssociations(archive);
+    archive.ResolveObjectRef(m_object);
+    archive.ResolveObjectList(m_children);
+    archive.ResolveObjectList(m_attributes);
+    archive.ResolveObjectList(m_annotations);
+    ClaimChildren();
+    DropNulls(m_attributes);
+    DropNulls(m_annotations);
+}
+
+void BNode::ClaimChildren() {
+    // Entries that found no object are dropped, so that every walk of the list may rely on
+    // real nodes. A child that another list has claimed already, or one that would become its
+    // own ancestor, comes only from a damaged file; it is dropped too, so the loaded tree keeps
+    // every invariant of a tree built by calls.
+    for (auto pos = m_children.HeadPosition(); pos.IsValid();) {
+        BNode* child = *pos;
+        if (!child || child->m_place.IsValid() || child == this || child->IsGrandParent(this)) {
+            m_children.RemoveAt(pos);
+            continue;
+        }
+        child->m_parent = this;
+        child->m_place = pos;
+        pos.Next();
+    }
+}
+
+template <class T>
+void BNode::DropNulls(DList<SP<T>>& list) {
+    for (auto pos = list.HeadPosition(); pos.IsValid();)
+        if (*pos)
+            pos.Next();
+        else
+            list.RemoveAt(pos);
+}
+
+// ---- state -----------------------------------------------------------------------------------
+
+void BNode::Lock(bool locked) {
+    if (m_locked == locked)
+        return;
+    m_locked = locked;
+    SendMsg(MSG_NODE_LOCK_CHANGED, this);
+}
+
+bool BNode::IsLocked() {
+    return m_locked;
+}
+
+void BNode::Activate(bool active) {
+    if (m_active == active)
+        return;
+    m_active = active;
+    SendMsg(MSG_NODE_ACTIVE_CHANGED, this);
+}
+
+void BNode::Deactivate() {
+    Activate(false);
+}
+
+bool BNode::IsActive() const {
+    return m_active;
+}
+
+BNode* BNode::Root() {
+    BNode* node = this;
+    while (node->m_parent)
+        node = node->m_parent;
+    return node;
+}
+
+bool BNode::IsBranchActive() const {
+    for (BNode const* node = this; node; node = node->m_parent)
+        if (!node->m_active)
+            return false;
+    return true;
+}
+
+// ---- visiting --------------------------------------------------------------------------------
+
+void BNode::Traverse(BVisitor* visitor) {
+    if (!m_active && !visitor->VisitInactiveNodes())
+        return;
+    visitor->PushPath(this);
+    // Each walk takes the next element before it calls out, so a visitor may remove the
+    // element it has just been given.
+    for (auto pos = m_attributes.HeadPosition(); pos.IsValid();) {
+        BAttribute* attribute = *pos;
+        pos.Next();
+        visitor->PushAttrib(attribute);
+    }
+    if (visitor->TreatNode(this) && IsMessageDispatcher())
+        SendMsg(MSG_NODE_TREATED, this);
+    if (visitor->Treat(m_object) && IsMessageDispatcher())
+        SendMsg(MSG_NODE_TREATED, this);
+    if (!m_annotations.IsEmpty()) {
+        SP<BSmartObj const> owner = m_object ? m_object.get() : static_cast<BSmartObj*>(this);
+        for (auto pos = m_annotations.HeadPosition(); pos.IsValid();) {
+            SP<BSmartObj> annotation = *pos;
+            pos.Next();
+            visitor->TreatAnnotation(annotation, owner);
+        }
+    }
+    for (auto pos = m_children.HeadPosition(); pos.IsValid();) {
+        SP<BNode> child = *pos;
+        pos.Next();
+        if (child)
+            child->Traverse(visitor);
+    }
+    for (auto pos = m_attributes.TailPosition(); pos.IsValid();) {
+        BAttribute* attribute = *pos;
+        pos.Prev();
+        visitor->PopAttrib(attribute);
+    }
+    visitor->PopPath();
+}
+
+void BNode::TraverseObjects(BVisitor* visitor) {
+    if (!m_active && !visitor->VisitInactiveNodes())
+        return;
+    if (visitor->Treat(m_object) && IsMessageDispatcher())
+        SendMsg(MSG_NODE_TREATED, this);
+    for (auto pos = m_children.HeadPosition(); pos.IsValid();) {
+        SP<BNode> child = *pos;
+        pos.Next();
+        if (child)
+            child->TraverseObjects(visitor);
+    }
+}
+
+unsigned long long BNode::AllocatedMemory(bool activeOnly) const {
+    // The same nodes as a BNodeItr walk visits, without taking references: this node may be
+    // one that no SP owns. An object shared by two nodes counts twice.
+    if (activeOnly && !m_active)
+        return 0;
+    unsigned long long total = 0;
+    std::vector<BNode const*> pending{this};
+    while (!pending.empty()) {
+        BNode const* node = pending.back();
+        pending.pop_back();
+        if (node->m_object)
+            total += node->m_object->AllocatedMemory();
+        for (SP<BNode> const& child : node->m_children)
+            if (child && (!activeOnly || child->m_active))
+                pending.push_back(child);
+    }
+    return total;
+}
+
+// ---- object ----------------------------------------------------------------------------------
+
+BSmartObj* BNode::GetObj() const {
+    return m_object;
+}
+
+void BNode::SetObj(BSmartObj* object) {
+    if (m_object.get() == object)
+        return;
+    SP<BSmartObj> old = m_object; // stays alive until the message is through
+    m_object = object;
+    SendMsg(MSG_NODE_OBJECT_CHANGED, this);
+}
+
+// ---- attributes and annotations --------------------------------------------------------------
+
+template <class T>
+bool BNode::RemoveFrom(DList<SP<T>>& list, T const* element) {
+    for (auto pos = list.HeadPosition(); pos.IsValid(); pos.Next())
+        if (pos->get() == element) {
+            list.RemoveAt(pos);
+            return true;
+        }
+    return false;
+}
+
+bool BNode::AddAttrib(BAttribute* attribute) {
+    if (!attribute)
+        return false;
+    SP<BAttribute> keep = attribute;
+    if (BAttribute* old = Attrib(attribute->Name())) {
+        if (old == attribute)
+            return false;
+        RemoveFrom(m_attributes, static_cast<BAttribute const*>(old));
+    }
+    m_attributes.AddTail(keep);
+    SendMsg(MSG_NODE_DECOR_CHANGED, this);
+    return true;
+}
+
+int BNode::AttribNum() const {
+    return m_attributes.Count();
+}
+
+BAttribute* BNode::Attrib(int index) const {
+    auto pos = m_attributes.PositionAt(index);
+    return pos.IsValid() ? pos->get() : nullptr;
+}
+
+BAttribute* BNode::Attrib(char16_t const* name) const {
+    return Attrib(WString(name));
+}
+
+BAttribute* BNode::Attrib(WString name) const {
+    // A load can leave null entries behind; they have no name.
+    for (SP<BAttribute> const& attribute : m_attributes)
+        if (attribute && attribute->Name() == name)
+            return attribute;
+    return nullptr;
+}
+
+bool BNode::RemoveAttrib(BAttribute* attribute) {
+    if (!attribute || !RemoveFrom(m_attributes, static_cast<BAttribute const*>(attribute)))
+        return false;
+    SendMsg(MSG_NODE_DECOR_CHANGED, this);
+    return true;
+}
+
+bool BNode::RemoveAttrib(int index) {
+    auto pos = m_attributes.PositionAt(index);
+    if (!pos.IsValid())
+        return false;
+    m_attributes.RemoveAt(pos);
+    SendMsg(MSG_NODE_DECOR_CHANGED, this);
+    return true;
+}
+
+bool BNode::RemoveAttrib(char16_t const* name) {
+    return RemoveAttrib(WString(name));
+}
+
+bool BNode::RemoveAttrib(WString name) {
+    return RemoveAttrib(Attrib(name));
+}
+
+void BNode::RemoveAttribs() {
+    if (m_attributes.IsEmpty())
+        return;
+    m_attributes.RemoveAll();
+    SendMsg(MSG_NODE_DECOR_CHANGED, this);
+}
+
+int BNode::AnnotationNum() const {
+    return m_annotations.Count();
+}
+
+bool BNode::AddAnnotation(BSmartObj* annotation) {
+    if (!annotation)
+        return false;
+    for (SP<BSmartObj> const& existing : m_annotations)
+        if (existing.get() == annotation)
+            return false;
+    m_annotations.AddTail(annotation);
+    SendMsg(MSG_NODE_DECOR_CHANGED, this);
+    return true;
+}
+
+bool BNode::RemoveAnnotation(BSmartObj* annotation) {
+    if (!annotation || !RemoveFrom(m_annotations, static_cast<BSmartObj const*>(annotation)))
+        return false;
+    // The address only names the annotation: the object may be gone by now.
+    SendMsg(MSG_NODE_DECOR_CHANGED, Number(this), Number(annotation));
+    return true;
+}
+
+void BNode::AnnounceDecorChange() {
+    SendMsg(MSG_NODE_DECOR_CHANGED, this);
+}
+
+void BNode::RemoveAnnotations() {
+    if (m_annotations.IsEmpty())
+        return;
+    m_annotations.RemoveAll();
+    SendMsg(MSG_NODE_DECOR_CHANGED, this);
+}
+
+// ---- children --------------------------------------------------------------------------------
+
+bool BNode::AddChild(BNode* child, int position) {
+    // A node below itself would make a cycle of owners that nothing could ever free.
+    if (!child || child->m_parent || child == this || child->IsGrandParent(this))
+        return false;
+    if (position < 0 || position >= ChildNum()) {
+        Append(child, true);
+        return true;
+    }
+    // Linked in at the position; the message carries the position asked for.
+    if (position == 0)
+        m_children.AddHead(child);
+    else
+        m_children.InsertAfter(m_children.PositionAt(position - 1), child);
+    child->SetParent(this);
+    child->m_place = m_children.PositionAt(position);
+    SendMsg(MSG_NODE_CHILD_ADDED, Number(child), static_cast<unsigned long long>(position));
+    return true;
+}
+
+void BNode::Append(BNode* child, bool announce) {
+    m_children.AddTail(child);
+    child->SetParent(this);
+    child->m_place = m_children.TailPosition();
+    if (announce)
+        SendMsg(MSG_NODE_CHILD_ADDED, Number(child),
+                static_cast<unsigned long long>(ChildNum() - 1));
+}
+
+void BNode::Unlink(DList<SP<BNode>>::Position position) {
+    BNode* child = *position;
+    SendMsg(MSG_NODE_CHILD_REMOVED, child);
+    if (child) {
+        child->m_parent = nullptr;
+        child->m_place = {};
+    }
+    m_children.RemoveAt(position);
+}
+
+bool BNode::RemoveChild(char16_t const* path) {
+    BNode* child = Child(path);
+    return child && RemoveChild(child);
+}
+
+bool BNode::RemoveChild(BNode* child) {
+    if (!child || child->m_parent != this || !child->m_place.IsValid())
+        return false;
+    Unlink(child->m_place);
+    return true;
+}
+
+bool BNode::RemoveChild(int index) {
+    auto pos = m_children.PositionAt(index);
+    if (!pos.IsValid())
+        return false;
+    Unlink(pos);
+    return true;
+}
+
+void BNode::RemoveChildren() {
+    while (!m_children.IsEmpty())
+        Unlink(m_children.HeadPosition());
+}
+
+BNode* BNode::Child(int index) const {
+    auto pos = m_children.PositionAt(index);
+    return pos.IsValid() ? pos->get() : nullptr;
+}
+
+BNode* BNode::FindChild(WString const& text) const {
+    for (SP<BNode> const& child : m_children)
+        if (child && SameName(child->m_text, text))
+            return child;
+    return nullptr;
+}
+
+BNode* BNode::Child(char16_t const* path) const {
+    char16_t const* p = path ? path : u"";
+    while (*p == u'/')
+        ++p;
+    BNode const* node = this;
+    for (char16_t const* slash; (slash = qv::platform::StrChrW(p, u'/')) != nullptr;
+         p = slash + 1) {
+        WString step;
+        step.CopyN(static_cast<unsigned long long>(slash - p), p);
+        node = node->FindChild(step);
+        if (!node)
+            return nullptr;
+    }
+    // An empty last step finds a child with an empty text.
+    return node->FindChild(WString(p));
+}
+
+BNode* BNode::QueryChild(WString path) {
+    unsigned long long slash = path.Search(u'/');
+    bool last = slash == ~0ull;
+    WString token = last ? path : path.Sub(0, slash);
+    BNode* child = FindChild(token);
+    if (!child) {
+        SP<BNode> made = new BNode;
+        made->m_text = token;
+        AddChild(made, -1);
+        child = made;
+    }
+    return last ? child : child->QueryChild(path.Sub(slash + 1));
+}
+
+int BNode::ChildNum() const {
+    return m_children.Count();
+}
+
+BNode* BNode::Sister() const {
+    if (!m_parent || !m_place.IsValid())
+        return nullptr;
+    auto next = m_place;
+    next.Next();
+    return next.IsValid() ? next->get() : nullptr;
+}
+
+WString BNode::ChildTextSuggestion(WString base) const {
+    WString text;
+    for (std::uint32_t n = static_cast<std::uint32_t>(ChildNum()) + 1;; ++n) {
+        char digits[16];
+        std::snprintf(digits, sizeof digits, "%03d", static_cast<int>(n));
+        text = base + WString(BString(digits));
+        if (!Child(text.CStr()) || n == 0xFFFFFFFFu)
+            return text;
+    }
+}
+
+// ---- the rest --------------------------------------------------------------------------------
+
+void BNode::Clear() {
+    RemoveAttribs();
+    RemoveAnnotations();
+    RemoveChildren();
+    SetObj(nullptr);
+}
+
+BNode* BNode::Parent() const {
+    return m_parent;
+}
+
+BNode* BNode::GetParent() const {
+    return m_parent;
+}
+
+void BNode::SetParent(BNode* parent) {
+    m_parent = parent;
+}
+
+bool BNode::IsGrandParent(BNode const* node) const {
+    if (!node)
+        return false;
+    for (BNode const* up = node->m_parent; up; up = up->m_parent)
+        if (up == this)
+            return true;
+    return false;
+}
+
+bool BNode::Includes(BNode const* node) const {
+    return node && (node == this || IsGrandParent(node));
+}
+
+void BNode::SetText(WString text) {
+    m_text = std::move(text);
+    SendMsg(MSG_NODE_TEXT_CHANGED, this);
+}
+
+void BNode::SetText(char16_t const* text) {
+    SetText(WString(text));
+}
+
+char16_t const* BNode::GetText() const {
+    return m_text.CStr();
+}
+
+bool BNode::IsMessageDispatcher() const {
+    BNode const* root = this;
+    while (root->m_parent)
+        root = root->m_parent;
+    return root->m_messageDispatcher;
+}
+
+void BNode::IsMessageDispatcher(bool dispatcher) {
+    if (!m_parent)
+        m_messageDispatcher = dispatcher;
+}
+
+void BNode::SendMsg(unsigned int message, unsigned long long param1, unsigned long long param2) {
+    if (IsMessageDispatcher())
+        QVSend(message, param1, param2);
+}
+
+void BNode::SendMsg(unsigned int message, BNode const* node, unsigned long long param2) {
+    SendMsg(message, Number(node), param2);
+}

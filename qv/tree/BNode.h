@@ -1,0 +1,129 @@
+// BNode: the element of the object tree. A node has a text (its name in its parent), an
+// associated object that several nodes may share, owned children in order, named attributes
+// and annotations. The tree gives objects a place, a state and a path, and announces every
+// change as a message through QVSend while its root is a message dispatcher.
+#pragma once
+
+#include <qv/core/BSmartObj.h>
+#include <qv/core/containers/DList.h>
+#include <qv/tree/BAttribute.h>
+
+class BVisitor;
+
+class BNode : public BSmartObj {
+public:
+    QV_DECLARE_CLASSNAME(BNode)
+
+    // A non-null object is set through SetObj and so announced.
+    explicit BNode(BSmartObj* object = nullptr);
+    ~BNode() override;
+
+    // The text is assigned without a message, then Copy does the rest.
+    BNode const& operator=(BNode const& other);
+
+    // Overrides of BSmartObj, in place.
+    unsigned long long AllocatedMemory() const override;
+    void WriteData(BArchive& archive) const override;
+    void UpdateAssociations(BArchive& archive) override;
+    int Version() const override;
+
+    // The virtual operations of a node, in the order of their slots.
+    virtual void Lock(bool locked);
+    virtual bool IsLocked();
+    virtual void Activate(bool active);
+    virtual void Deactivate();
+    virtual bool IsActive() const;
+    virtual BNode* Root();
+    virtual bool IsBranchActive() const;
+    virtual void Traverse(BVisitor* visitor);
+    virtual void TraverseObjects(BVisitor* visitor);
+    virtual BSmartObj* GetObj() const;
+    virtual void SetObj(BSmartObj* object);
+    virtual unsigned long long AllocatedMemory(bool activeOnly) const;
+    virtual bool AddAttrib(BAttribute* attribute);
+    virtual int AttribNum() const;
+    virtual BAttribute* Attrib(int index) const;
+    virtual BAttribute* Attrib(char16_t const* name) const;
+    virtual BAttribute* Attrib(WString name) const;
+    virtual bool RemoveAttrib(BAttribute* attribute);
+    virtual bool RemoveAttrib(int index);
+    virtual bool RemoveAttrib(char16_t const* name);
+    virtual bool RemoveAttrib(WString name);
+    virtual void RemoveAttribs();
+    virtual bool AddChild(BNode* child, int position = -1);
+    virtual bool RemoveChild(char16_t const* path);
+    virtual bool RemoveChild(BNode* child);
+    virtual bool RemoveChild(int index);
+    virtual void RemoveChildren();
+    virtual BNode* QueryChild(WString path);
+    virtual int AnnotationNum() const;
+    virtual bool AddAnnotation(BSmartObj* annotation);
+    virtual bool RemoveAnnotation(BSmartObj* annotation);
+    virtual void RemoveAnnotations();
+    virtual void Clear();
+    virtual BNode* Parent() const;
+    virtual bool IsGrandParent(BNode const* node) const;
+    virtual bool Includes(BNode const* node) const;
+    virtual void SetText(WString text);
+    virtual void SetText(char16_t const* text);
+    virtual char16_t const* GetText() const;
+    virtual bool IsMessageDispatcher() const;
+    virtual void IsMessageDispatcher(bool dispatcher);
+    virtual WString ChildTextSuggestion(WString base) const;
+
+    // Shares object, attributes and annotations with other and deep-copies its children; the
+    // text stays.
+    void Copy(BNode const& other);
+    BNode* Child(int index) const;
+    // A path of texts separated by "/", compared case-blind; leading slashes are skipped.
+    BNode* Child(char16_t const* path) const;
+    int ChildNum() const;
+    BNode* GetParent() const;
+    // The next child of the same parent, null for the last one or without a parent.
+    BNode* Sister() const;
+
+    static SP<BSmartObj> Read(BArchive& archive, int version);
+
+    // The lists, for the iterators.
+    DList<SP<BNode>> const& Children() const { return m_children; }
+    DList<SP<BAttribute>> const& Attributes() const { return m_attributes; }
+    DList<SP<BSmartObj>> const& Annotations() const { return m_annotations; }
+
+private:
+    friend class BNodeChildItr;
+    template <class T>
+    friend class NodeListItr;
+
+    // The deep copy that Copy makes of each child; announce false keeps a snapshot silent.
+    BNode(BNode const& other);
+    BNode(BNode const& other, bool announce);
+
+    void SetParent(BNode* parent);
+    void AnnounceDecorChange();
+    void SendMsg(unsigned int message, unsigned long long param1, unsigned long long param2);
+    void SendMsg(unsigned int message, BNode const* node, unsigned long long param2 = 0);
+    void CopyFlagsAndDecor(BNode const& other);
+    void CopyChildren(BNode const& other, bool announce);
+    void Append(BNode* child, bool announce);
+    // Message, parent cleared, list entry taken out, reference dropped.
+    void Unlink(DList<SP<BNode>>::Position position);
+    BNode* FindChild(WString const& text) const;
+    template <class T>
+    static bool RemoveFrom(DList<SP<T>>& list, T const* element);
+    template <class T>
+    static void DropNulls(DList<SP<T>>& list);
+    void ClaimChildren();
+
+    SP<BSmartObj> m_object;
+    DList<SP<BNode>> m_children;
+    DList<SP<BAttribute>> m_attributes;
+    DList<SP<BSmartObj>> m_annotations;
+    WString m_text;
+    BNode* m_parent = nullptr;
+    // Where this node stands in its parent's list, so that Sister and removal by pointer
+    // need no walk. Valid exactly while m_parent is set.
+    DList<SP<BNode>>::Position m_place;
+    bool m_active = true;
+    bool m_locked = false;
+    bool m_messageDispatcher = true;
+};

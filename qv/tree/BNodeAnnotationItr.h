@@ -1,0 +1,15 @@
+// BNodeAnnotationItr: walks the annotations of one node; RemoveCurrent removes while walking.
+#pragma once
+
+#include <qv/tree/BNode.h>
+#include <qv/tree/NodeListItr.h>
+
+class BNodeAnnotationItr : public NodeListItr<BSmartObj> {
+public:
+    explicit BNodeAnnotationItr(BNode& node) : NodeListItr(node.Annotations()), m_node(&node) {}
+    // Unlinks the annotation, stands on the next, then the node announces the change.
+    void RemoveCurrent() { RemoveDecor(m_node); }
+
+private:
+    BNode* m_node;
+};

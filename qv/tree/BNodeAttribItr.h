@@ -1,0 +1,15 @@
+// BNodeAttribItr: walks the attributes of one node; RemoveCurrent removes while walking.
+#pragma once
+
+#include <qv/tree/BNode.h>
+#include <qv/tree/NodeListItr.h>
+
+class BNodeAttribItr : public NodeListItr<BAttribute> {
+public:
+    explicit BNodeAttribItr(BNode& node) : NodeListItr(node.Attributes()), m_node(&node) {}
+    // Unlinks the attribute, stands on the next, then the node announces the change.
+    void RemoveCurrent() { RemoveDecor(m_node); }
+
+private:
+    BNode* m_node;
+};

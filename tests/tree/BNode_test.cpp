@@ -1,0 +1,408 @@
+#include <qv/operations/BDispatcher.h>
+#include <qv/operations/MessageNumbers.h>
+#include <qv/tree/BNode.h>
+#include <qv/tree/BNodeAnnotationItr.h>
+#include <qv/tree/BNodeAttribItr.h>
+#include <qv/tree/BNodeChildItr.h>
+#include <qv/tree/BNodeItr.h>
+#include <qv/tree/BVisitor.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct Message {
+    unsigned int number;
+    unsigned long long p1, p2;
+    bool operator==(Message const&) const = default;
+};
+
+// Records what the tree announces.
+class Recorder : public BDispatcher {
+public:
+    bool Send(unsigned int m, unsigned long long p1, unsigned long long p2) override {
+        messages.push_back({m, p1, p2});
+        return true;
+    }
+    bool Post(unsigned int m, unsigned long long p1, unsigned long long p2) override {
+        return Send(m, p1, p2);
+    }
+    unsigned long ThreadId() override { return 0; }
+    bool Subscribe(BMessageReceiver*) override { return false; }
+    bool Unsubscribe(BMessageReceiver*) override { return false; }
+    std::vector<Message> messages;
+};
+
+unsigned long long N(void const* p) {
+    return reinterpret_cast<std::uintptr_t>(p);
+}
+
+struct Named : BAttribute {
+    explicit Named(char16_t const* name) : m_name(name) {}
+    WString Name() const override { return m_name; }
+    WString m_name;
+};
+
+struct Sized : BSmartObj {
+    explicit Sized(unsigned long long bytes) : m_bytes(bytes) {}
+    unsigned long long AllocatedMemory() const override { return m_bytes; }
+    unsigned long long m_bytes;
+};
+
+class NodeTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        recorder = new Recorder;
+        BDispatcher::RegisterDispatcher(recorder);
+    }
+    void TearDown() override { BDispatcher::RegisterDispatcher(nullptr); }
+    std::vector<Message>& Sent() { return recorder->messages; }
+
+    SP<Recorder> recorder;
+};
+
+// a(b(d), c)
+SP<BNode> SmallTree() {
+    SP<BNode> a = new BNode;
+    a->SetText(u"a");
+    a->QueryChild(u"b/d");
+    a->QueryChild(u"c");
+    return a;
+}
+
+std::string Texts(BNodeItr it) {
+    std::string out;
+    for (; it; ++it)
+        out += WString(it.Current()->GetText()).ToUtf8();
+    return out;
+}
+
+} // namespace
+
+TEST_F(NodeTest, ChildMessagesCarryIndexAndComeInOrder) {
+    SP<BNode> root = new BNode;
+    SP<BNode> x = new BNode, y = new BNode, z = new BNode;
+    Sent().clear();
+    EXPECT_TRUE(root->AddChild(x, -1));
+    EXPECT_TRUE(root->AddChild(y, 1)); // a position equal to the count appends
+    EXPECT_TRUE(root->AddChild(z, 0)); // within the list: linked in at the head
+    EXPECT_EQ(root->Child(0), z.get());
+    EXPECT_EQ(root->Child(2), y.get());
+    EXPECT_EQ(Sent(), (std::vector<Message>{{MSG_NODE_CHILD_ADDED, N(x), 0},
+                                            {MSG_NODE_CHILD_ADDED, N(y), 1},
+                                            {MSG_NODE_CHILD_ADDED, N(z), 0}}));
+    Sent().clear();
+    EXPECT_TRUE(root->RemoveChild(1));
+    root->RemoveChildren();
+    EXPECT_EQ(Sent(), (std::vector<Message>{{MSG_NODE_CHILD_REMOVED, N(x), 0},
+                                            {MSG_NODE_CHILD_REMOVED, N(z), 0},
+                                            {MSG_NODE_CHILD_REMOVED, N(y), 0}}));
+    for (BNode* n : {x.get(), y.get(), z.get()})
+        EXPECT_EQ(n->Parent(), nullptr);
+}
+
+TEST_F(NodeTest, StateMessagesOnlyOnChange) {
+    SP<BNode> n = new BNode;
+    Sent().clear();
+    n->Activate(true);
+    n->Lock(false);
+    EXPECT_TRUE(Sent().empty());
+    n->Deactivate();
+    n->Lock(true);
+    n->SetText(u"same");
+    n->SetText(u"same");
+    SP<BSmartObj> object = new BSmartObj;
+    n->SetObj(object);
+    n->SetObj(object);
+    EXPECT_EQ(Sent(), (std::vector<Message>{{MSG_NODE_ACTIVE_CHANGED, N(n), 0},
+                                            {MSG_NODE_LOCK_CHANGED, N(n), 0},
+                                            {MSG_NODE_TEXT_CHANGED, N(n), 0},
+                                            {MSG_NODE_TEXT_CHANGED, N(n), 0},
+                                            {MSG_NODE_OBJECT_CHANGED, N(n), 0}}));
+    Sent().clear();
+    SP<BNode> withObject = new BNode(object);
+    EXPECT_EQ(Sent(), (std::vector<Message>{{MSG_NODE_OBJECT_CHANGED, N(withObject), 0}}));
+}
+
+TEST_F(NodeTest, DecorationRulesAndMessages) {
+    SP<BNode> n = new BNode;
+    SP<Named> first = new Named(u"colour"), second = new Named(u"colour"),
+              other = new Named(u"size");
+    Sent().clear();
+    EXPECT_TRUE(n->AddAttrib(first));
+    EXPECT_TRUE(n->AddAttrib(other));
+    EXPECT_FALSE(n->AddAttrib(other)) << "the same object again";
+    EXPECT_TRUE(n->AddAttrib(second)) << "replaces the one of the same name";
+    EXPECT_EQ(n->AttribNum(), 2);
+    EXPECT_EQ(n->Attrib(1), second.get()) << "the new one goes to the end";
+    EXPECT_EQ(n->Attrib(u"colour"), second.get());
+    EXPECT_EQ(n->Attrib(u"Colour"), nullptr) << "attribute names compare with case";
+    EXPECT_EQ(Sent().size(), 3u);
+
+    SP<BSmartObj> note = new BSmartObj;
+    EXPECT_TRUE(n->AddAnnotation(note));
+    EXPECT_FALSE(n->AddAnnotation(note));
+    Sent().clear();
+    EXPECT_TRUE(n->RemoveAnnotation(note));
+    EXPECT_FALSE(n->RemoveAnnotation(note));
+    EXPECT_EQ(Sent(), (std::vector<Message>{{MSG_NODE_DECOR_CHANGED, N(n), N(note)}}));
+    Sent().clear();
+    n->RemoveAttribs();
+    n->RemoveAttribs();
+    n->RemoveAnnotations();
+    EXPECT_EQ(Sent().size(), 1u) << "one message, and none for empty lists";
+}
+
+TEST_F(NodeTest, RootSilencesItsTree) {
+    SP<BNode> root = SmallTree();
+    BNode* b = root->Child(u"b");
+    b->IsMessageDispatcher(false);
+    EXPECT_TRUE(b->IsMessageDispatcher()) << "no effect on a node with a parent";
+    root->IsMessageDispatcher(false);
+    Sent().clear();
+    b->SetText(u"B");
+    root->Child(u"B/d")->Lock(true);
+    EXPECT_TRUE(Sent().empty());
+    SP<BNode> keep = b;
+    root->RemoveChild(b);
+    EXPECT_TRUE(Sent().empty()) << "removal is announced by the silent root";
+    keep->SetText(u"free");
+    EXPECT_EQ(Sent().size(), 1u) << "the freed branch speaks by its own flag";
+}
+
+TEST_F(NodeTest, AddingAndRemovingKeepsParentsConsistent) {
+    SP<BNode> one = SmallTree(), two = SmallTree();
+    BNode* b = one->Child(u"b");
+    EXPECT_FALSE(two->AddChild(b)) << "b has a parent";
+    EXPECT_FALSE(two->RemoveChild(b)) << "b belongs to another parent";
+    EXPECT_EQ(b->Parent(), one.get());
+    EXPECT_FALSE(b->AddChild(one)) << "a node below itself";
+    EXPECT_FALSE(one->AddChild(one));
+    EXPECT_EQ(two->ChildNum(), 2);
+
+    SP<BNode> held = b;
+    EXPECT_TRUE(one->RemoveChild(u"B"));
+    EXPECT_EQ(held->Parent(), nullptr);
+    EXPECT_EQ(held->Root(), held.get());
+    EXPECT_EQ(held->ChildNum(), 1) << "the removed branch stays whole";
+    EXPECT_EQ(held->Child(0)->Root(), held.get());
+    EXPECT_FALSE(one->RemoveChild(u"b/d")) << "a path of two steps is not a child";
+
+    SP<BNode> d = held->Child(0);
+    held = nullptr; // the parent dies, the child held elsewhere lives on as a root
+    EXPECT_EQ(d->Parent(), nullptr);
+    EXPECT_EQ(d->Sister(), nullptr);
+}
+
+TEST_F(NodeTest, PathsFoldCaseAndSkipLeadingSlashes) {
+    SP<BNode> root = new BNode;
+    BNode* y = root->QueryChild(u"x/y");
+    EXPECT_EQ(root->ChildNum(), 1);
+    EXPECT_EQ(root->QueryChild(u"x/y"), y) << "a second query creates nothing";
+    EXPECT_EQ(root->Child(u"X/Y"), y);
+    EXPECT_EQ(root->Child(u"/x"), root->Child(u"x"));
+    EXPECT_EQ(root->Child(u"x/"), nullptr);
+    BNode* empty = root->Child(u"x")->QueryChild(u"");
+    EXPECT_EQ(root->Child(u"x/"), empty) << "an empty last step finds an empty text";
+    EXPECT_EQ(root->Child(static_cast<char16_t const*>(nullptr)), nullptr);
+    BNode* unnamed = root->QueryChild(u"/z");
+    EXPECT_EQ(WString(unnamed->GetText()), WString(u"z"));
+    EXPECT_EQ(WString(unnamed->Parent()->GetText()), WString()) << "no slash is skipped";
+}
+
+TEST_F(NodeTest, ChildTextSuggestion) {
+    SP<BNode> root = new BNode;
+    EXPECT_EQ(root->ChildTextSuggestion(u"N"), WString(u"N001"));
+    root->QueryChild(u"a");
+    root->QueryChild(u"b");
+    EXPECT_EQ(root->ChildTextSuggestion(u"Scan"), WString(u"Scan003"));
+    root->QueryChild(u"scan003");
+    EXPECT_EQ(root->ChildTextSuggestion(u"Scan"), WString(u"Scan005"));
+}
+
+TEST_F(NodeTest, CopySharesDecorAndDoublesChildren) {
+    SP<BNode> source = SmallTree();
+    SP<BSmartObj> object = new BSmartObj;
+    SP<Named> attribute = new Named(u"a");
+    source->SetObj(object);
+    source->AddAttrib(attribute);
+    source->Lock(true);
+    SP<BNode> copy = new BNode;
+    copy->SetText(u"mine");
+    copy->QueryChild(u"old");
+    Sent().clear();
+    copy->Copy(*source);
+    EXPECT_EQ(WString(copy->GetText()), WString(u"mine")) << "Copy leaves the text";
+    EXPECT_TRUE(copy->IsLocked());
+    EXPECT_EQ(copy->GetObj(), object.get());
+    EXPECT_EQ(copy->Attrib(0), attribute.get());
+    ASSERT_EQ(copy->ChildNum(), 2);
+    EXPECT_NE(copy->Child(0), source->Child(0));
+    EXPECT_EQ(Sent().front().number, MSG_NODE_CHILD_REMOVED);
+    EXPECT_EQ(Sent().back(), (Message{MSG_NODE_OBJECT_CHANGED, N(copy), 0}));
+    copy->Child(u"b/d")->SetText(u"changed");
+    EXPECT_NE(source->Child(u"b/d"), nullptr);
+
+    *copy = *source->Child(u"b");
+    EXPECT_EQ(WString(copy->GetText()), WString(u"b"));
+    source->Copy(*source->Child(u"b")); // the source lies inside the target
+    EXPECT_EQ(source->ChildNum(), 1);
+    EXPECT_EQ(WString(source->Child(0)->GetText()), WString(u"d"));
+}
+
+TEST_F(NodeTest, ClearKeepsTextAndFlags) {
+    SP<BNode> n = SmallTree();
+    n->SetObj(new BSmartObj);
+    n->AddAnnotation(new BSmartObj);
+    n->Deactivate();
+    n->Clear();
+    EXPECT_EQ(n->ChildNum(), 0);
+    EXPECT_EQ(n->AnnotationNum(), 0);
+    EXPECT_EQ(n->GetObj(), nullptr);
+    EXPECT_EQ(WString(n->GetText()), WString(u"a"));
+    EXPECT_FALSE(n->IsActive());
+}
+
+TEST_F(NodeTest, KinshipQueries) {
+    SP<BNode> root = SmallTree();
+    BNode* d = root->Child(u"b/d");
+    EXPECT_TRUE(root->IsGrandParent(d));
+    EXPECT_FALSE(root->IsGrandParent(root));
+    EXPECT_TRUE(root->Includes(root));
+    EXPECT_FALSE(d->Includes(root));
+    EXPECT_FALSE(root->Includes(nullptr));
+    EXPECT_EQ(d->Root(), root.get());
+    EXPECT_EQ(root->Child(0)->Sister(), root->Child(1));
+    EXPECT_EQ(root->Child(1)->Sister(), nullptr);
+    root->Child(u"b")->Deactivate();
+    EXPECT_FALSE(d->IsBranchActive());
+    EXPECT_TRUE(d->IsActive());
+}
+
+TEST_F(NodeTest, IteratorsWalkDepthFirstAndHonourActivity) {
+    SP<BNode> root = SmallTree(); // a(b(d), c)
+    EXPECT_EQ(Texts(BNodeItr(root, BNodeItr::ALL_NODES)), "abdc");
+    EXPECT_EQ(Texts(BNodeItr(root->Child(0), BNodeItr::ALL_NODES)), "bd")
+        << "the walk stays in its branch";
+    root->Child(u"b")->Deactivate();
+    EXPECT_EQ(Texts(BNodeItr(root, BNodeItr::ACTIVE_NODES)), "ac");
+    EXPECT_EQ(Texts(BNodeItr(root->Child(u"b/d"), BNodeItr::ACTIVE_NODES)), "d");
+    root->Deactivate();
+    EXPECT_FALSE(BNodeItr(root, BNodeItr::ACTIVE_NODES));
+    EXPECT_FALSE(BNodeItr(nullptr, BNodeItr::ALL_NODES));
+    BNodeItr it(root, BNodeItr::ALL_NODES);
+    EXPECT_EQ(it++, root.get());
+    EXPECT_EQ(it.Current(), root->Child(0));
+
+    root->SetObj(new Sized(10));
+    root->Child(u"b/d")->SetObj(new Sized(5));
+    root->Child(u"c")->SetObj(new Sized(1));
+    EXPECT_EQ(root->AllocatedMemory(), 16u);
+    EXPECT_EQ(root->AllocatedMemory(true), 0u) << "an inactive node: the walk does not begin";
+    root->Activate(true);
+    EXPECT_EQ(root->AllocatedMemory(true), 11u);
+}
+
+TEST_F(NodeTest, ListIteratorsRemoveSafely) {
+    SP<BNode> root = SmallTree();
+    SP<BNode> b = root->Child(0);
+    Sent().clear();
+    BNodeChildItr children(*root);
+    children.RemoveCurrent();
+    EXPECT_EQ(children.Current(), root->Child(0));
+    EXPECT_EQ(b->Parent(), nullptr);
+    EXPECT_EQ(Sent(), (std::vector<Message>{{MSG_NODE_CHILD_REMOVED, N(b), 0}}));
+    children.RemoveCurrent();
+    EXPECT_FALSE(children);
+    children.RemoveCurrent(); // no effect at the end
+
+    root->AddAttrib(new Named(u"p"));
+    root->AddAttrib(new Named(u"q"));
+    Sent().clear();
+    BNodeAttribItr attributes(*root);
+    ++attributes;
+    attributes.RemoveCurrent();
+    EXPECT_FALSE(attributes);
+    EXPECT_EQ(root->AttribNum(), 1);
+    EXPECT_EQ(Sent(), (std::vector<Message>{{MSG_NODE_DECOR_CHANGED, N(root), 0}}));
+    root->AddAnnotation(new BSmartObj);
+    BNodeAnnotationItr annotations(*root);
+    EXPECT_NE(annotations++, nullptr);
+    EXPECT_FALSE(annotations);
+}
+
+namespace {
+
+// Writes down the visible order of a traversal.
+struct Trace : BVisitor {
+    bool TreatNode(BNode* n) override {
+        Log("TreatNode " + Name(n));
+        return changeNodes;
+    }
+    bool Treat(BSmartObj* o) override {
+        Log(o ? "Treat" : "Treat null");
+        return false;
+    }
+    void TreatAnnotation(SP<BSmartObj>, SP<BSmartObj const> owner) override {
+        Log(owner == ownerExpected ? "Annotation" : "Annotation wrong owner");
+    }
+    void PushPath(BNode* n) override { Log("PushPath " + Name(n)); }
+    void PopPath() override { Log("PopPath"); }
+    void PushAttrib(BAttribute* a) override { Log("PushAttrib " + a->Name().ToUtf8()); }
+    void PopAttrib(BAttribute* a) override { Log("PopAttrib " + a->Name().ToUtf8()); }
+    static std::string Name(BNode* n) { return WString(n->GetText()).ToUtf8(); }
+    void Log(std::string s) { log += (log.empty() ? "" : ", ") + s; }
+    std::string log;
+    bool changeNodes = false;
+    BSmartObj const* ownerExpected = nullptr;
+};
+
+} // namespace
+
+TEST_F(NodeTest, TraverseCallsBackInTheDocumentedOrder) {
+    SP<BNode> r = new BNode;
+    r->SetText(u"R");
+    r->AddAttrib(new Named(u"A1"));
+    r->AddAttrib(new Named(u"A2"));
+    r->QueryChild(u"C/G");
+    SP<Trace> trace = new Trace;
+    r->Traverse(trace);
+    EXPECT_EQ(trace->log,
+              "PushPath R, PushAttrib A1, PushAttrib A2, TreatNode R, Treat null, PushPath C, "
+              "TreatNode C, Treat null, PushPath G, TreatNode G, Treat null, PopPath, PopPath, "
+              "PopAttrib A2, PopAttrib A1, PopPath");
+
+    r->Child(u"C")->Deactivate();
+    r->AddAnnotation(new BSmartObj);
+    trace = new Trace;
+    trace->ownerExpected = r;
+    trace->changeNodes = true;
+    Sent().clear();
+    r->TraverseObjects(trace);
+    EXPECT_EQ(trace->log, "Treat null") << "inactive branches are passed over";
+    r->Traverse(trace);
+    EXPECT_NE(trace->log.find("Annotation"), std::string::npos);
+    EXPECT_EQ(trace->log.find("wrong owner"), std::string::npos);
+    EXPECT_EQ(Sent(), (std::vector<Message>{{MSG_NODE_TREATED, N(r), 0}}));
+    trace->VisitInactiveNodes(true);
+    trace->log.clear();
+    r->TraverseObjects(trace);
+    EXPECT_EQ(trace->log, "Treat null, Treat null, Treat null");
+}
+
+TEST(NodeLifetime, DeepBranchesDieWithoutRecursion) {
+    SP<BNode> root = new BNode;
+    BNode* tip = root;
+    for (int i = 0; i < 200000; ++i) {
+        SP<BNode> next = new BNode;
+        tip->AddChild(next);
+        tip = next;
+    }
+    SP<BNode> held = tip;
+    root = nullptr;
+    EXPECT_EQ(held->Parent(), nullptr);
+}
