@@ -14,6 +14,8 @@
 #include <qv/core/strings/WString.h>
 #include <qv/persistence/BArchive.h>
 #include <qv/platform/CodePage.h>
+#include <qv/platform/FileStream.h>
+#include <qv/platform/PathText.h>
 #include <qv/platform/SystemError.h>
 #include <qv/platform/TextServices.h>
 #include <qv/platform/ThreadName.h>

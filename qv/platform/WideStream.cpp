@@ -1,23 +1,64 @@
+#include <qv/platform/CodePage.h>
+#include <qv/platform/FileStream.h>
 #include <qv/platform/WideStream.h>
+#include <string>
 
 namespace qv::platform {
 
-int fgetwc16(std::FILE* stream) {
-    int lo = std::fgetc(stream);
+namespace {
+
+// Holds the stream's lock for a run of unlocked reads or writes, as the runtime does per call.
+class StreamLock {
+public:
+    explicit StreamLock(std::FILE* f) : m_file(f) { ::flockfile(f); }
+    ~StreamLock() { ::funlockfile(m_file); }
+    StreamLock(StreamLock const&) = delete;
+    StreamLock& operator=(StreamLock const&) = delete;
+
+private:
+    std::FILE* m_file;
+};
+
+// One byte of an ANSI text stream as a 16-bit character of the ANSI code page.
+int AnsiUnit(int byte) {
+    if (byte == EOF)
+        return kWEOF;
+    char const narrow = static_cast<char>(byte);
+    char16_t unit = 0;
+    return MultiByteToWideChar(&narrow, 1, &unit, 1) == 1 ? unit : kWEOF;
+}
+
+// Two bytes, little-endian: a binary stream, or the UTF-16 view of a Unicode text stream.
+int UnitUnlocked(std::FILE* stream) {
+    int const lo = getc_unlocked(stream);
     if (lo == EOF)
         return kWEOF;
-    int hi = std::fgetc(stream);
-    if (hi == EOF)
+    int const hi = getc_unlocked(stream);
+    return hi == EOF ? kWEOF : lo | (hi << 8);
+}
+
+int NextUnlocked(std::FILE* stream, bool ansi) {
+    return ansi ? AnsiUnit(getc_unlocked(stream)) : UnitUnlocked(stream);
+}
+
+} // namespace
+
+int fgetwc16(std::FILE* stream) {
+    if (!stream)
         return kWEOF;
-    return lo | (hi << 8);
+    bool const ansi = IsAnsiTextStream(stream);
+    StreamLock lock(stream);
+    return NextUnlocked(stream, ansi);
 }
 
 char16_t* fgetws16(char16_t* buffer, int count, std::FILE* stream) {
     if (!buffer || count <= 0 || !stream)
         return nullptr;
+    bool const ansi = IsAnsiTextStream(stream);
+    StreamLock lock(stream);
     int n = 0;
     while (n < count - 1) {
-        int c = fgetwc16(stream);
+        int const c = NextUnlocked(stream, ansi);
         if (c == kWEOF)
             break;
         buffer[n++] = static_cast<char16_t>(c);
@@ -29,15 +70,27 @@ char16_t* fgetws16(char16_t* buffer, int count, std::FILE* stream) {
 }
 
 int fputwc16(char16_t c, std::FILE* stream) {
-    unsigned char bytes[2] = {static_cast<unsigned char>(c), static_cast<unsigned char>(c >> 8)};
-    return std::fwrite(bytes, 1, 2, stream) == 2 ? c : kWEOF;
+    return fputws16(std::u16string(1, c).c_str(), stream) < 0 ? kWEOF : c;
 }
 
 int fputws16(char16_t const* text, std::FILE* stream) {
-    for (; *text; ++text)
-        if (fputwc16(*text, stream) == kWEOF)
-            return -1;
-    return 0;
+    if (!text || !stream)
+        return -1;
+    std::u16string_view const view(text);
+    std::string bytes;
+    if (IsAnsiTextStream(stream)) {
+        bytes.resize(view.size() * 4);
+        int const n = WideCharToMultiByte(view.data(), static_cast<int>(view.size()), bytes.data(),
+                                          static_cast<int>(bytes.size()));
+        bytes.resize(static_cast<std::size_t>(n));
+    } else {
+        bytes.reserve(view.size() * 2);
+        for (char16_t u : view) {
+            bytes.push_back(static_cast<char>(u & 0xFF));
+            bytes.push_back(static_cast<char>(u >> 8));
+        }
+    }
+    return std::fwrite(bytes.data(), 1, bytes.size(), stream) == bytes.size() ? 0 : -1;
 }
 
 } // namespace qv::platform
