@@ -8,6 +8,9 @@
 #include <qv/core/Narrowing.h>
 #include <qv/core/SP.h>
 #include <qv/core/SetThreadName.h>
+#include <qv/core/files/BDirEntry.h>
+#include <qv/core/files/BFile.h>
+#include <qv/core/files/BMemory.h>
 #include <qv/core/strings/BString.h>
 #include <qv/core/strings/StringBase.h>
 #include <qv/core/strings/StringTraits.h>
@@ -15,9 +18,11 @@
 #include <qv/persistence/BArchive.h>
 #include <qv/platform/CodePage.h>
 #include <qv/platform/FileStream.h>
+#include <qv/platform/FileSystem.h>
 #include <qv/platform/PathText.h>
 #include <qv/platform/SystemError.h>
 #include <qv/platform/TextServices.h>
 #include <qv/platform/ThreadName.h>
+#include <qv/platform/VirtualMemory.h>
 #include <qv/platform/WideStream.h>
 #include <qv/portable/BSmartObjBase.h>
