@@ -1,5 +1,8 @@
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
+#include <cstdint>
+#include <cstring>
 #include <fcntl.h>
 #include <memory>
 #include <mutex>
@@ -100,15 +103,20 @@ std::optional<Mode> ParseMode(std::u16string_view s) {
 
 std::shared_mutex registryMutex;
 std::unordered_set<std::FILE*> ansiStreams;
+// Counts changes of the registry, so that a thread may keep its last answer until one happens:
+// the wide functions ask once per call, and a line-by-line reader calls them very often.
+std::atomic<std::uint64_t> registryGeneration{1};
 
 void RegisterAnsi(std::FILE* f) {
     std::unique_lock lock(registryMutex);
     ansiStreams.insert(f);
+    registryGeneration.fetch_add(1, std::memory_order_release);
 }
 
 void UnregisterAnsi(std::FILE* f) {
     std::unique_lock lock(registryMutex);
     ansiStreams.erase(f);
+    registryGeneration.fetch_add(1, std::memory_order_release);
 }
 
 // --- The translating layer under stdio ------------------------------------------------------
@@ -254,18 +262,31 @@ bool DecodeNext(TextStream& s) {
     return false;
 }
 
-// The common case of a UTF-16LE file, unit by unit straight into stdio's buffer.
+// The common case of a UTF-16LE file: the units up to the next CR are copied as they are, so
+// the translation costs little more than a copy. One unit stays behind as the lookahead of a CR.
 std::size_t ReadUtf16Bulk(TextStream& s, unsigned char* buf, std::size_t size) {
     std::size_t n = 0;
     while (n + 2 <= size && s.Avail() >= 4) {
-        unsigned u = s.Unit16(s.rawPos);
-        s.rawPos += 2;
-        if (u == '\r' && s.Unit16(s.rawPos) == '\n') {
-            u = '\n';
-            s.rawPos += 2;
+        unsigned char const* const p = s.raw.data() + s.rawPos;
+        std::size_t const units = std::min((s.Avail() - 2) / 2, (size - n) / 2);
+        std::size_t plain = units;
+        for (auto const* cr = p;
+             (cr = static_cast<unsigned char const*>(std::memchr(cr, '\r', p + 2 * units - cr)));
+             ++cr) {
+            if ((cr - p) % 2 == 0 && cr[1] == 0) {
+                plain = static_cast<std::size_t>(cr - p) / 2;
+                break;
+            }
         }
-        buf[n++] = static_cast<unsigned char>(u);
-        buf[n++] = static_cast<unsigned char>(u >> 8);
+        std::memcpy(buf + n, p, 2 * plain);
+        n += 2 * plain;
+        s.rawPos += 2 * plain;
+        if (plain < units) { // a CR, with its next unit in the buffer
+            bool const crlf = s.Unit16(s.rawPos + 2) == '\n';
+            buf[n++] = crlf ? '\n' : '\r';
+            buf[n++] = 0;
+            s.rawPos += crlf ? 4 : 2;
+        }
     }
     return n;
 }
@@ -534,8 +555,19 @@ std::FILE* _wfsopen(char16_t const* path, char16_t const* mode, int shareFlag) {
 }
 
 bool IsAnsiTextStream(std::FILE* stream) {
+    struct Answer {
+        std::FILE* stream = nullptr;
+        std::uint64_t generation = 0;
+        bool ansi = false;
+    };
+    thread_local Answer last;
+    std::uint64_t const generation = registryGeneration.load(std::memory_order_acquire);
+    if (last.stream == stream && last.generation == generation)
+        return last.ansi;
     std::shared_lock lock(registryMutex);
-    return ansiStreams.count(stream) != 0;
+    last = {stream, registryGeneration.load(std::memory_order_relaxed),
+            ansiStreams.count(stream) != 0};
+    return last.ansi;
 }
 
 } // namespace qv::platform
