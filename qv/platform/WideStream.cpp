@@ -61,6 +61,8 @@ std::pair<int, bool> TakeBufferedUnits(std::FILE* stream, char16_t* out, int max
 #if defined(__GLIBC__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
     auto const* p = reinterpret_cast<unsigned char const*>(stream->_IO_read_ptr);
     bool lineFeed = false;
+    if (!p || stream->_IO_read_end - stream->_IO_read_ptr < 2)
+        return {0, false}; // nothing buffered yet
     long const units = UnitsThroughLineFeed(
         p, std::min<long>((stream->_IO_read_end - stream->_IO_read_ptr) / 2, max), lineFeed);
     std::memcpy(out, p, static_cast<std::size_t>(2 * units));
