@@ -7,31 +7,43 @@
 
 static void dump(const wchar_t* name) {
     FILE* f = _wfopen(name, L"rb");
-    if (!f) { wprintf(L"%ls: cannot open\n", name); return; }
+    if (!f) {
+        wprintf(L"%ls: cannot open\n", name);
+        return;
+    }
     wprintf(L"%ls:", name);
     int c;
-    while ((c = fgetc(f)) != EOF) wprintf(L" %02X", c);
+    while ((c = fgetc(f)) != EOF)
+        wprintf(L" %02X", c);
     wprintf(L"\n");
     fclose(f);
 }
 
 static void readWide(const wchar_t* name, const wchar_t* mode) {
     FILE* f = nullptr;
-    if (_wfopen_s(&f, name, mode)) { wprintf(L"read %ls %ls: fail\n", name, mode); return; }
+    if (_wfopen_s(&f, name, mode)) {
+        wprintf(L"read %ls %ls: fail\n", name, mode);
+        return;
+    }
     wprintf(L"read %ls %ls:", name, mode);
     wint_t c;
-    while ((c = fgetwc(f)) != WEOF) wprintf(L" %04X", (unsigned)c);
+    while ((c = fgetwc(f)) != WEOF)
+        wprintf(L" %04X", (unsigned)c);
     wprintf(L" end %04X\n", (unsigned)c);
     fclose(f);
 }
 
 static void freadWide(const wchar_t* name, const wchar_t* mode) {
     FILE* f = nullptr;
-    if (_wfopen_s(&f, name, mode)) { wprintf(L"fread %ls %ls: fail\n", name, mode); return; }
+    if (_wfopen_s(&f, name, mode)) {
+        wprintf(L"fread %ls %ls: fail\n", name, mode);
+        return;
+    }
     unsigned char buf[64];
     size_t n = fread(buf, 1, sizeof buf, f);
     wprintf(L"fread %ls %ls (%d):", name, mode, (int)n);
-    for (size_t i = 0; i < n; ++i) wprintf(L" %02X", buf[i]);
+    for (size_t i = 0; i < n; ++i)
+        wprintf(L" %02X", buf[i]);
     wprintf(L"\n");
     fclose(f);
 }
@@ -77,7 +89,9 @@ int main() {
 
     // Reading: BOM decides, CR LF folded, lone CR kept; without BOM.
     f = _wfopen(L"crlf16.txt", L"wb");
-    fwrite("\xFF\xFE" "a\0\r\0\n\0b\0\r\0c\0", 1, 14, f);
+    fwrite("\xFF\xFE"
+           "a\0\r\0\n\0b\0\r\0c\0",
+           1, 14, f);
     fclose(f);
     readWide(L"crlf16.txt", L"r,ccs=UTF-16LE");
     readWide(L"crlf16.txt", L"r,ccs=UNICODE");

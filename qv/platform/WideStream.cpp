@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cstring>
-#include <qv/platform/CodePage.h>
 #include <qv/platform/FileStream.h>
 #include <qv/platform/WideStream.h>
 #include <string>
@@ -22,13 +21,10 @@ private:
     std::FILE* m_file;
 };
 
-// One byte of an ANSI text stream as a 16-bit character of the ANSI code page.
+// One byte of an ANSI text stream as a 16-bit character. The MSVC runtime converts in its
+// default "C" locale, where a byte is the character of the same value.
 int AnsiUnit(int byte) {
-    if (byte == EOF)
-        return kWEOF;
-    char const narrow = static_cast<char>(byte);
-    char16_t unit = 0;
-    return MultiByteToWideChar(&narrow, 1, &unit, 1) == 1 ? unit : kWEOF;
+    return byte == EOF ? kWEOF : byte;
 }
 
 // Two bytes, little-endian: a binary stream, or the UTF-16 view of a Unicode text stream.
@@ -121,17 +117,17 @@ int fputws16(char16_t const* text, std::FILE* stream) {
         return -1;
     std::u16string_view const view(text);
     std::string bytes;
-    if (IsAnsiTextStream(stream)) {
-        bytes.resize(view.size() * 4);
-        int const n = WideCharToMultiByte(view.data(), static_cast<int>(view.size()), bytes.data(),
-                                          static_cast<int>(bytes.size()));
-        bytes.resize(static_cast<std::size_t>(n));
-    } else {
-        bytes.reserve(view.size() * 2);
-        for (char16_t u : view) {
-            bytes.push_back(static_cast<char>(u & 0xFF));
-            bytes.push_back(static_cast<char>(u >> 8));
+    bool const ansi = IsAnsiTextStream(stream);
+    bytes.reserve(view.size() * 2);
+    for (char16_t u : view) {
+        // The "C" locale has no byte for a character above 0xFF: writing stops there.
+        if (ansi && u > 0xFF) {
+            std::fwrite(bytes.data(), 1, bytes.size(), stream);
+            return -1;
         }
+        bytes.push_back(static_cast<char>(u & 0xFF));
+        if (!ansi)
+            bytes.push_back(static_cast<char>(u >> 8));
     }
     return std::fwrite(bytes.data(), 1, bytes.size(), stream) == bytes.size() ? 0 : -1;
 }

@@ -3,7 +3,9 @@
 // - a Unicode text stream of FileStream.h ("ccs=", with a UTF-16LE or UTF-8 file): the layer
 //   under stdio already presents UTF-16LE units with CR LF folded, so a unit is two bytes;
 // - an ANSI text stream of FileStream.h ("rt", "wt", "at", or "ccs=UNICODE" on an existing
-//   file without byte order mark): a unit is one byte of the ANSI code page, CR LF folded;
+//   file without byte order mark): a unit is one byte, CR LF folded, converted as the runtime's
+//   default "C" locale converts: a byte is the character of its value, and a character above
+//   0xFF cannot be written;
 // - any other stream, opened in binary mode or outside FileStream.h: a unit is two bytes,
 //   little-endian.
 // Formatted wide writes are a WString formatted in memory and written with fputws16.
