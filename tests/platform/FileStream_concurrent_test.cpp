@@ -1,4 +1,4 @@
-#include "platform/TempDir.h"
+#include "platform/FileTestSupport.h"
 
 #include <gtest/gtest.h>
 #include <qv/platform/FileStream.h>

@@ -1,4 +1,4 @@
-#include "platform/TempDir.h"
+#include "platform/FileTestSupport.h"
 
 #include <cerrno>
 #include <gtest/gtest.h>
@@ -11,52 +11,23 @@ using namespace std::string_literals;
 
 namespace {
 
-class StreamFile {
-public:
-    StreamFile(std::u16string const& path, char16_t const* mode) {
-        m_error = _wfopen_s(&m_file, path.c_str(), mode);
-    }
-    ~StreamFile() { Close(); }
-    StreamFile(StreamFile const&) = delete;
-    StreamFile& operator=(StreamFile const&) = delete;
-    void Close() {
-        if (m_file)
-            std::fclose(m_file);
-        m_file = nullptr;
-    }
-    std::FILE* get() const { return m_file; }
-    int error() const { return m_error; }
-
-private:
-    std::FILE* m_file = nullptr;
-    int m_error = 0;
-};
-
 void WriteThrough(TempDir const& dir, char16_t const* mode, std::u16string const& text) {
-    StreamFile f(dir.U("w.txt"), mode);
-    EXPECT_EQ(f.error(), 0);
-    EXPECT_EQ(fputws16(text.c_str(), f.get()), 0);
+    EXPECT_EQ(fputws16(text.c_str(), OpenStream(dir / "w.txt", mode).get()), 0);
 }
 
 // Every unit up to the end, and the end marker itself.
 std::u16string ReadUnits(std::string const& path, char16_t const* mode) {
-    std::u16string p(path.begin(), path.end());
-    StreamFile f(p, mode);
-    EXPECT_EQ(f.error(), 0);
+    Stream const f = OpenStream(path, mode);
     std::u16string units;
-    int c;
-    while ((c = fgetwc16(f.get())) != kWEOF)
+    for (int c; (c = fgetwc16(f.get())) != kWEOF;)
         units.push_back(static_cast<char16_t>(c));
     EXPECT_EQ(fgetwc16(f.get()), 0xFFFF);
     return units;
 }
 
 std::string FreadAll(std::string const& path, char16_t const* mode) {
-    std::u16string p(path.begin(), path.end());
-    StreamFile f(p, mode);
-    EXPECT_EQ(f.error(), 0);
     std::string out(256, '\0');
-    out.resize(std::fread(out.data(), 1, out.size(), f.get()));
+    out.resize(std::fread(out.data(), 1, out.size(), OpenStream(path, mode).get()));
     return out;
 }
 
@@ -77,8 +48,7 @@ TEST(FileStream, Utf16WritingMatchesWindowsByteForByte) {
 TEST(FileStream, AppendingWritesOneByteOrderMark) {
     TempDir dir;
     for (char16_t const* line : {u"x\n", u"y\n"}) {
-        StreamFile f(dir.U("log.txt"), u"at,ccs=UNICODE");
-        ASSERT_EQ(f.error(), 0);
+        Stream const f = OpenStream(dir / "log.txt", u"at,ccs=UNICODE");
         EXPECT_EQ(fputws16(line, f.get()), 0);
     }
     EXPECT_EQ(ReadBytes(dir / "log.txt"), DataFile("unicode_appended_by_windows.txt"));
@@ -89,9 +59,7 @@ TEST(FileStream, AppendingFollowsTheExistingFilesEncoding) {
     WriteBytes(dir / "utf8.txt", "\xEF\xBB\xBFu\n");
     WriteBytes(dir / "ansi.txt", "ab\r\n");
     for (char const* name : {"utf8.txt", "ansi.txt"}) {
-        std::u16string p = dir.U(name);
-        StreamFile f(p, u"at,ccs=UNICODE");
-        ASSERT_EQ(f.error(), 0);
+        Stream const f = OpenStream(dir / name, u"at,ccs=UNICODE");
         EXPECT_EQ(fputws16(name[0] == 'u' ? u"\u00FC\n" : u"c\n", f.get()), 0);
     }
     EXPECT_EQ(ReadBytes(dir / "utf8.txt"), "\xEF\xBB\xBFu\n\xC3\xBC\r\n");
@@ -126,8 +94,7 @@ TEST(FileStream, AnsiTextModeFoldsCrLfAndEndsAtCtrlZ) {
     EXPECT_EQ(FreadAll(dir / "ansi.txt", u"rt"), "\xE4\x80\nz");
     EXPECT_EQ(FreadAll(dir / "ansi.txt", u"r"), "\xE4\x80\nz"); // text is the default
     {
-        StreamFile f(dir.U("out.txt"), u"wt");
-        ASSERT_EQ(f.error(), 0);
+        Stream const f = OpenStream(dir / "out.txt", u"wt");
         EXPECT_EQ(fputws16(u"p\n\u00E4", f.get()), 0);
         EXPECT_EQ(std::fputs("\n", f.get()), 1);
         // The runtime's "C" locale has no byte for the euro sign.
@@ -140,8 +107,7 @@ TEST(FileStream, AnsiTextModeFoldsCrLfAndEndsAtCtrlZ) {
 TEST(FileStream, BinaryModesKeepBytes) {
     TempDir dir;
     {
-        StreamFile f(dir.U("b.bin"), u"wb");
-        ASSERT_EQ(f.error(), 0);
+        Stream const f = OpenStream(dir / "b.bin", u"wb");
         EXPECT_EQ(fputws16(u"a\n", f.get()), 0);
         EXPECT_EQ(std::fwrite("\r\n\x1A", 1, 3, f.get()), 3u);
     }
@@ -154,8 +120,7 @@ TEST(FileStream, LinesComeWholeAcrossBufferBoundaries) {
     // CR LF pairs fall on every offset of the layer's buffers, and lines outgrow fgetws16's.
     std::u16string expected;
     {
-        StreamFile f(dir.U("big.txt"), u"wt,ccs=UTF-16LE");
-        ASSERT_EQ(f.error(), 0);
+        Stream const f = OpenStream(dir / "big.txt", u"wt,ccs=UTF-16LE");
         for (int i = 0; i < 3000; ++i) {
             std::u16string line(static_cast<std::size_t>(i % 700),
                                 static_cast<char16_t>(u'a' + i % 26));
@@ -164,7 +129,7 @@ TEST(FileStream, LinesComeWholeAcrossBufferBoundaries) {
             ASSERT_EQ(fputws16(line.c_str(), f.get()), 0);
         }
     }
-    StreamFile f(dir.U("big.txt"), u"r,ccs=UTF-16LE");
+    Stream const f = OpenStream(dir / "big.txt", u"r,ccs=UTF-16LE");
     std::u16string got;
     char16_t buffer[512];
     while (fgetws16(buffer, 512, f.get()))
@@ -204,4 +169,10 @@ TEST(FileStream, BackslashesNameTheSameFiles) {
     ASSERT_NE(f, nullptr);
     EXPECT_EQ(std::fgetc(f), 'x');
     std::fclose(f);
+    // Names beyond ASCII reach the file system as UTF-8.
+    std::u16string const name = dir.U() + u"/Me\u00DFkopf \u6E2C\u5B9A.ini";
+    f = _wfsopen(name.c_str(), u"wt,ccs=UNICODE", _SH_DENYNO);
+    ASSERT_NE(f, nullptr);
+    std::fclose(f);
+    EXPECT_EQ(ReadBytes(dir / "Me\xC3\x9Fkopf \xE6\xB8\xAC\xE5\xAE\x9A.ini"), "\xFF\xFE");
 }

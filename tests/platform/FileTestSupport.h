@@ -1,11 +1,15 @@
-// A fresh directory under the system's temporary directory, removed with its contents at the
-// end of the test.
+// What the file tests share: a fresh directory under the system's temporary directory, removed
+// with its contents at the end of the test; whole files as bytes; streams that close themselves.
 #pragma once
 
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <gtest/gtest.h>
 #include <iterator>
+#include <memory>
+#include <qv/platform/FileStream.h>
 #include <string>
 
 class TempDir {
@@ -41,4 +45,17 @@ inline std::string ReadBytes(std::string const& path) {
 
 inline void WriteBytes(std::string const& path, std::string const& bytes) {
     std::ofstream(path, std::ios::binary) << bytes;
+}
+
+struct FileCloser {
+    void operator()(std::FILE* f) const { std::fclose(f); }
+};
+using Stream = std::unique_ptr<std::FILE, FileCloser>;
+
+// Opens through the platform layer; a failure fails the test.
+inline Stream OpenStream(std::string const& path, char16_t const* mode) {
+    std::FILE* f = nullptr;
+    std::u16string const p(path.begin(), path.end());
+    EXPECT_EQ(qv::platform::_wfopen_s(&f, p.c_str(), mode), 0) << path;
+    return Stream(f);
 }
