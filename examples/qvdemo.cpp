@@ -1,7 +1,10 @@
 // qvdemo: how an application module uses the library's core. Objects are shared through SP,
 // asked for their class names, errors are thrown and stored, and strings are converted and
 // compared the way the measuring application does it.
+#include <cstdint>
 #include <cstdio>
+#include <filesystem>
+#include <string>
 #include <map>
 #include <qv/qvcore.h>
 #include <qv/tree/BNode.h>
