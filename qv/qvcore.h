@@ -23,5 +23,7 @@
 #include <qv/platform/SystemError.h>
 #include <qv/platform/TextServices.h>
 #include <qv/platform/ThreadName.h>
+#include <qv/platform/WideFormat.h>
+#include <qv/platform/WideNumbers.h>
 #include <qv/platform/WideStream.h>
 #include <qv/portable/BSmartObjBase.h>
