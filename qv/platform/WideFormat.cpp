@@ -16,7 +16,7 @@ namespace {
 
 enum class Size { None, Char, Short, Long, LongLong, Int32, Pointer, LongDouble, Wide };
 
-struct Spec {
+struct Conversion {
     bool left = false, plus = false, space = false, alt = false, zero = false;
     std::size_t width = 0;
     int precision = -1; // -1: none given
@@ -103,16 +103,16 @@ public:
             m_out.Put(run, static_cast<std::size_t>(f - run));
             if (!*f)
                 break;
-            Spec spec;
-            f = ParseSpec(f + 1, spec);
-            if (!f || !Convert(spec))
+            Conversion conversion;
+            f = ParseConversion(f + 1, conversion);
+            if (!f || !Convert(conversion))
                 return false;
         }
         return true;
     }
 
 private:
-    Unit const* ParseSpec(Unit const* f, Spec& s) {
+    Unit const* ParseConversion(Unit const* f, Conversion& s) {
         for (;; ++f) {
             if (*f == '-')
                 s.left = true;
@@ -186,7 +186,7 @@ private:
         return f;
     }
 
-    bool Convert(Spec const& s) {
+    bool Convert(Conversion const& s) {
         switch (s.type) {
         case 'd':
         case 'i':
@@ -222,7 +222,7 @@ private:
     }
 
     // The other width is asked for by the upper-case letter or by the size prefix.
-    bool WantsWide(Spec const& s) const {
+    bool WantsWide(Conversion const& s) const {
         bool upper = s.type == 'S' || s.type == 'C';
         if (s.size == Size::Short)
             return false;
@@ -232,7 +232,7 @@ private:
     }
 
     template <class Body>
-    void Field(Spec const& s, char const* prefix, std::size_t zeros, std::size_t length,
+    void Field(Conversion const& s, char const* prefix, std::size_t zeros, std::size_t length,
                bool zeroPad, Body&& body) {
         std::size_t prefixLength = std::strlen(prefix);
         std::size_t total = prefixLength + zeros + length;
@@ -248,7 +248,7 @@ private:
             m_out.Fill(' ', pad);
     }
 
-    bool Signed(Spec const& s) {
+    bool Signed(Conversion const& s) {
         long long v;
         switch (s.size) {
         case Size::Char:
@@ -276,7 +276,7 @@ private:
         return true;
     }
 
-    bool Unsigned(Spec const& s) {
+    bool Unsigned(Conversion const& s) {
         unsigned long long v;
         switch (s.size) {
         case Size::Char:
@@ -304,7 +304,7 @@ private:
         return true;
     }
 
-    void Integer(Spec const& s, unsigned long long v, char const* prefix, int radix) {
+    void Integer(Conversion const& s, unsigned long long v, char const* prefix, int radix) {
         char digits[24];
         std::size_t n = 0;
         if (v || s.precision != 0)
@@ -319,7 +319,7 @@ private:
         Field(s, prefix, zeros, n, s.zero && s.precision < 0, [&] { m_out.Put(digits, n); });
     }
 
-    bool Pointer(Spec const& s) {
+    bool Pointer(Conversion const& s) {
         auto v = reinterpret_cast<std::uintptr_t>(va_arg(m_args, void*));
         char digits[16];
         for (int i = 15; i >= 0; --i, v >>= 4)
@@ -328,7 +328,7 @@ private:
         return true;
     }
 
-    bool Char(Spec const& s) {
+    bool Char(Conversion const& s) {
         int c = va_arg(m_args, int);
         if (WantsWide(s)) {
             char16_t unit[1] = {static_cast<char16_t>(c)};
@@ -340,7 +340,7 @@ private:
         return true;
     }
 
-    bool String(Spec const& s) {
+    bool String(Conversion const& s) {
         std::size_t limit =
             s.precision < 0 ? ~std::size_t{0} : static_cast<std::size_t>(s.precision);
         void const* p = va_arg(m_args, void const*);
@@ -358,19 +358,19 @@ private:
     }
 
     // Text of the format's own width, read in place.
-    void Same(Spec const& s, Unit const* text, std::size_t limit) {
+    void Same(Conversion const& s, Unit const* text, std::size_t limit) {
         std::size_t n = BoundedLength(text, limit);
         Field(s, "", 0, n, s.zero, [&] { m_out.Put(text, n); });
     }
 
-    void Text(Spec const& s, std::basic_string<Unit> const& text, bool isChar) {
+    void Text(Conversion const& s, std::basic_string<Unit> const& text, bool isChar) {
         std::size_t n = text.size();
         if (!isChar && s.precision >= 0)
             n = std::min<std::size_t>(n, static_cast<std::size_t>(s.precision));
         Field(s, "", 0, n, s.zero, [&] { m_out.Put(text.data(), n); });
     }
 
-    bool Float(Spec const& s) {
+    bool Float(Conversion const& s) {
         double v = s.size == Size::LongDouble ? static_cast<double>(va_arg(m_args, long double))
                                               : va_arg(m_args, double);
         bool upper = s.type >= 'A' && s.type <= 'Z';

@@ -102,7 +102,8 @@ TEST(BArray, AssignmentShrinksAndResetsTheSlotsLeft) {
     EXPECT_EQ(Probe::live, 1);
     EXPECT_EQ(a.begin()[1].get(), nullptr);
 
-    a = a;
+    auto const& self = a;
+    a = self;
     EXPECT_EQ(a.Count(), 1u);
     BArray<SP<BSmartObj>> c(a);
     EXPECT_EQ(c.Count(), 1u);
