@@ -20,6 +20,11 @@ bool IsSpace(char c) {
     return IsSpaceA(c);
 }
 bool IsSpace(char16_t c) {
+    // Printable ASCII is never white space under any rule; numbers are made of it.
+    if (c == ' ')
+        return true;
+    if (c > ' ' && c < 0x7F)
+        return false;
     return IsSpaceW(c);
 }
 
@@ -279,7 +284,7 @@ Unit const* ScanOne(Unit const* p, Unit type, Width width, va_list& args) {
     case 'X':
     case 'o': {
         int radix = type == 'o' ? 8 : (type == 'x' || type == 'X') ? 16 : 10;
-        p = ParseInteger(SkipSpace(p), radix, value);
+        p = ParseInteger(p, radix, value);
         if (p)
             StoreInteger(args, width, value);
         return p;
@@ -289,7 +294,7 @@ Unit const* ScanOne(Unit const* p, Unit type, Width width, va_list& args) {
     case 'g':
     case 'E':
     case 'G':
-        return ScanFloat(SkipSpace(p), width, args);
+        return ScanFloat(p, width, args);
     default:
         return nullptr;
     }
@@ -315,8 +320,11 @@ int Scan(Unit const* text, Unit const* format, va_list& args) {
         }
         ++f;
         Width width = ScanWidth(f);
-        // The end of the text before the first conversion is an input failure.
-        if (!*(*f == 'c' ? p : SkipSpace(p)))
+        // Every conversion but %c skips white space first. The end of the text before the
+        // first conversion is an input failure.
+        if (*f != 'c')
+            p = SkipSpace(p);
+        if (!*p)
             return stored ? stored : -1;
         Unit const* next = ScanOne(p, *f, width, args);
         if (!next)

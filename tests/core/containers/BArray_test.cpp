@@ -121,4 +121,17 @@ TEST(BArray, ResizeFillsWithDefaultsAlsoAfterAShrink) {
     EXPECT_EQ(a.Capacity(), 4u);
 }
 
+TEST(BArray, DirectReserveCallsLeaveNothingBehind) {
+    // Pending storage of a direct Reserve is released by the next operation or the destructor;
+    // the sanitizer build would report a leak otherwise.
+    BArray<WString> a;
+    a.Add(u"x");
+    a.Reserve(8);
+    a.Reserve(16);
+    EXPECT_EQ(a[0], u"x");
+    a.Reserve(~0ull);
+    EXPECT_EQ(a.Count(), 0u);
+    EXPECT_EQ(a.Capacity(), 0u);
+}
+
 } // namespace
