@@ -63,9 +63,11 @@ public:
     // Comparison.
     bool Equal(S const& other) const;
     bool Equal(Unit const* text) const;
-    bool operator==(S const& other) const { return Equal(other); }
-    bool operator==(Unit const* text) const { return Equal(text); }
-    bool operator<(S const& other) const { return Traits::Less(CStr(), other.CStr()); }
+    // Hidden friends rather than members: with a member, the rewritten reversed form of
+    // a == b is an equally good candidate and C++20 calls the comparison ambiguous.
+    friend bool operator==(S const& a, S const& b) { return a.Equal(b); }
+    friend bool operator==(S const& a, Unit const* text) { return a.Equal(text); }
+    friend bool operator<(S const& a, S const& b) { return Traits::Less(a.CStr(), b.CStr()); }
     int Cmp(S const& other) const { return Traits::Cmp(CStr(), other.CStr()); }
     int Cmp(Unit const* text) const { return Traits::Cmp(CStr(), text ? text : EmptyText()); }
     int ICmp(S const& other) const { return Traits::ICmp(CStr(), other.CStr()); }
