@@ -175,7 +175,9 @@ bool PutNumber(Conversion const& c, char const* length, T value, Output& out) {
     spec[end] = static_cast<char>(c.type);
     spec[end + 1] = 0;
     char text[1024];
-    int const n = std::snprintf(text, sizeof text, spec, c.width, c.precision, value);
+    // A negative width is printf's own way of saying "left-justified".
+    int const n =
+        std::snprintf(text, sizeof text, spec, c.left ? -c.width : c.width, c.precision, value);
     if (n < 0 || static_cast<std::size_t>(n) >= sizeof text)
         return false;
     for (int i = 0; i < n; ++i)
