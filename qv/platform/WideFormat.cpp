@@ -1,8 +1,11 @@
+#include <cctype>
+#include <charconv>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <qv/platform/CodePage.h>
 #include <qv/platform/WideFormat.h>
+#include <type_traits>
 
 namespace qv::platform {
 
@@ -164,22 +167,34 @@ unsigned long long UnsignedArgument(Size size, Arguments& args) {
 }
 
 // Numbers go through the C library's narrow printf, whose digits are what the Windows runtime
-// prints; the result is ASCII and widens unit by unit.
+// prints; the result is ASCII and widens unit by unit. A plain %d, %u, %x or %X, the common
+// case in messages, takes the shorter way through std::to_chars.
 template <class T>
 bool PutNumber(Conversion const& c, char const* length, T value, Output& out) {
-    char spec[24] = "%";
-    std::strcat(spec, c.flags);
-    std::strcat(spec, "*.*");
-    std::strcat(spec, length);
-    std::size_t const end = std::strlen(spec);
-    spec[end] = static_cast<char>(c.type);
-    spec[end + 1] = 0;
     char text[1024];
-    // A negative width is printf's own way of saying "left-justified".
-    int const n =
-        std::snprintf(text, sizeof text, spec, c.left ? -c.width : c.width, c.precision, value);
-    if (n < 0 || static_cast<std::size_t>(n) >= sizeof text)
-        return false;
+    int n = 0;
+    bool const plain = c.flagCount == 0 && c.width == 0 && c.precision < 0;
+    if constexpr (std::is_integral_v<T>) {
+        if (plain && c.type != u'o') {
+            int const base = c.type == u'x' || c.type == u'X' ? 16 : 10;
+            n = static_cast<int>(std::to_chars(text, text + sizeof text, value, base).ptr - text);
+            for (int i = 0; c.type == u'X' && i < n; ++i)
+                text[i] = static_cast<char>(std::toupper(static_cast<unsigned char>(text[i])));
+        }
+    }
+    if (n == 0) {
+        char spec[24] = "%";
+        std::strcat(spec, c.flags);
+        std::strcat(spec, "*.*");
+        std::strcat(spec, length);
+        std::size_t const end = std::strlen(spec);
+        spec[end] = static_cast<char>(c.type);
+        spec[end + 1] = 0;
+        // A negative width is printf's own way of saying "left-justified".
+        n = std::snprintf(text, sizeof text, spec, c.left ? -c.width : c.width, c.precision, value);
+        if (n < 0 || static_cast<std::size_t>(n) >= sizeof text)
+            return false;
+    }
     for (int i = 0; i < n; ++i)
         out.Put(static_cast<unsigned char>(text[i]));
     return true;

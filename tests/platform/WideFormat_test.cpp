@@ -47,6 +47,8 @@ TEST(FormatWide, IntegersWithWindowsSizes) {
               u"4464|44|-5|6|7|8|9");
     // long has 32 bits on Windows: a 64-bit long is read as its low half.
     EXPECT_EQ(F(u"%ld|%lu", 0x1'0000'0005l, 0xFFFF'FFFF'FFFF'FFFFul), u"5|4294967295");
+    EXPECT_EQ(F(u"%X|%x|%d|%lld", 0xBEEFu, 0xBEEFu, -2147483647 - 1, -9223372036854775807ll - 1),
+              u"BEEF|beef|-2147483648|-9223372036854775808");
     EXPECT_EQ(F(u"%*d|%-*d|%.*s|%*d", 4, 1, 4, 2, 1, u"xyz", -3, 9), u"   1|2   |x|9  ");
 }
 
