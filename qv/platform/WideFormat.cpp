@@ -17,7 +17,7 @@ struct Arguments {
     va_list list;
 };
 
-enum class Size { Default, Char, Short, Long32, Wide, Narrow, Int64, LongDouble };
+enum class Size { Default, Char, Short, Long32, Wide, Int64, LongDouble };
 
 struct Conversion {
     char flags[6] = {};
@@ -75,15 +75,16 @@ bool IsDigit(char16_t c) {
 
 // A width or precision: digits or '*'. Absurd numbers make the format invalid.
 bool ParseNumber(char16_t const*& f, Arguments& args, int& value) {
+    constexpr int kLimit = 1000000;
     if (*f == u'*') {
         ++f;
         value = va_arg(args.list, int);
-        return true;
+        return value >= -kLimit && value <= kLimit;
     }
     long long n = 0;
     for (; IsDigit(*f); ++f) {
         n = n * 10 + (*f - u'0');
-        if (n > 1000000)
+        if (n > kLimit)
             return false;
     }
     value = static_cast<int>(n);
@@ -271,8 +272,8 @@ bool Convert(Conversion const& c, Arguments& args, Output& out) {
         pointer.precision = 16;
         if (c.left)
             pointer.flags[pointer.flagCount++] = '-';
-        return PutNumber(pointer, "ll", reinterpret_cast<std::uintptr_t>(va_arg(args.list, void*)),
-                         out);
+        auto const address = reinterpret_cast<std::uintptr_t>(va_arg(args.list, void*));
+        return PutNumber(pointer, "ll", static_cast<unsigned long long>(address), out);
     }
     case u'c':
     case u'C': {

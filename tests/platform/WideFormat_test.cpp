@@ -82,6 +82,7 @@ TEST(FormatWide, InvalidFormatsGiveAnEmptyText) {
                                                format + std::char_traits<char16_t>::length(format));
         EXPECT_EQ(f.text, u"");
     }
+    EXPECT_EQ(Format(256, u"%*d", -2147483647 - 1, 5).result, -1) << "no width to negate";
     EXPECT_EQ(F(u"100%%"), u"100%");
     char16_t buffer[4];
     va_list none{};
