@@ -26,12 +26,36 @@
 
 #include <qv/persistence/BArchive.h>
 
+#include <qv/operations/BAutoLockR.h>
+#include <qv/operations/BAutoLockW.h>
+#include <qv/operations/BAutoTryLockR.h>
+#include <qv/operations/BAutoTryLockW.h>
+#include <qv/operations/BCommandExecutionInterface.h>
+#include <qv/operations/BCriticalSection.h>
+#include <qv/operations/BDispatcher.h>
+#include <qv/operations/BLockRW.h>
+#include <qv/operations/BMessageReceiver.h>
+#include <qv/operations/BSyncableInterface.h>
+#include <qv/operations/BSyncableSmartObj.h>
+#include <qv/operations/ELog.h>
+#include <qv/operations/Log.h>
+#include <qv/operations/LogItem.h>
+#include <qv/operations/LoggerInterface.h>
+#include <qv/operations/MessageNumbers.h>
+#include <qv/operations/QVPost.h>
+
 #include <qv/platform/CodePage.h>
+#include <qv/platform/CriticalSection.h>
 #include <qv/platform/FileStream.h>
 #include <qv/platform/FileSystem.h>
+#include <qv/platform/Futex.h>
+#include <qv/platform/ManualResetEvent.h>
 #include <qv/platform/PathText.h>
+#include <qv/platform/SlimRWLock.h>
 #include <qv/platform/SystemError.h>
 #include <qv/platform/TextServices.h>
+#include <qv/platform/ThreadId.h>
+#include <qv/platform/ThreadLocalStorage.h>
 #include <qv/platform/ThreadName.h>
 #include <qv/platform/VirtualMemory.h>
 #include <qv/platform/WideFormat.h>

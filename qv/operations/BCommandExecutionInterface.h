@@ -1,0 +1,27 @@
+// Running a named command through the application. The application implements this
+// interface and registers one object; ExecuteCommand forwards to it. What the command text,
+// the flag, the value, the data pointer and the result mean is agreed between the callers
+// and the registered object: the library passes them on untouched.
+#pragma once
+
+#include <qv/core/SP.h>
+#include <qv/core/strings/WString.h>
+#include <qv/operations/BSyncableSmartObj.h>
+
+class BCommandExecutionInterface : public virtual BSyncableSmartObj {
+public:
+    QV_DECLARE_CLASSNAME(BCommandExecutionInterface)
+
+    // What ExecuteCommand answers when no object is registered.
+    static constexpr int kNotRegistered = 13004;
+
+    virtual int ExecuteCommand(WString command, bool flag, unsigned long value, void* data) = 0;
+};
+
+// Replaces the registered object; null returns to having none. The library keeps one
+// reference until it is unloaded or the object is replaced. No lock: register at start-up.
+void RegisterCommandExecution(BCommandExecutionInterface* commandExecution);
+// A new reference to the registered object, or null.
+SP<BCommandExecutionInterface> CommandExecutionInstance();
+// The registered object's answer, or BCommandExecutionInterface::kNotRegistered (13004).
+int ExecuteCommand(WString command, bool flag, unsigned long value, void* data);

@@ -1,0 +1,3 @@
+#include <qv/operations/BSyncableInterface.h>
+
+QV_REGISTER_CLASSNAME(BSyncableInterface);

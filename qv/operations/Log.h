@@ -1,0 +1,26 @@
+// The logging front end. Qv::Log formats a message and hands it to the registered sink with
+// its source, level and context; where it goes is the sink's affair. With no sink a call costs
+// one lock and one unlock: the message is not formatted and the arguments are not read.
+//
+// The format is 16-bit text in the manner of the Windows runtime's wide printf (%s takes 16-bit
+// text, %S narrow text; see qv/platform/WideFormat.h). A null format gives an empty text, and
+// so does a message that does not fit in 4095 units or cannot be formatted: it is dropped, not
+// cut. No heap memory is used before the sink gets the text.
+#pragma once
+
+#include <qv/operations/ELog.h>
+#include <qv/operations/LoggerInterface.h>
+
+namespace Qv {
+
+void Log(char16_t const* source, ELog level, char16_t const* context, char16_t const* format, ...);
+// The same with a null source.
+void Log(ELog level, char16_t const* context, char16_t const* format, ...);
+
+// Installs the sink in place of the previous one, which is forgotten, not told. Not owned.
+void RegisterLoggerInterface(LoggerInterface* sink);
+// Clears the slot if sink is the registered one (true); otherwise changes nothing (false).
+// Waits for a Write in progress, so the sink may be destroyed once this returns.
+bool UnregisterLoggerInterface(LoggerInterface* sink);
+
+} // namespace Qv

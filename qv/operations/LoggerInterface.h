@@ -1,0 +1,20 @@
+// The log sink: where Qv::Log hands its messages. The application implements it and registers
+// one object with Qv::RegisterLoggerInterface; the library never owns it. Write runs under the
+// log front end's mutex, so a sink never sees two calls at once, and it must not log,
+// register, unregister or destroy itself from inside Write.
+#pragma once
+
+#include <qv/operations/ELog.h>
+
+namespace Qv {
+
+class LoggerInterface {
+public:
+    // Takes the sink out of service if it is the registered one.
+    virtual ~LoggerInterface();
+    // source may be null; text is valid for the duration of the call, possibly empty.
+    virtual void Write(char16_t const* source, ELog level, char16_t const* context,
+                       char16_t const* text) = 0;
+};
+
+} // namespace Qv

@@ -1,0 +1,193 @@
+// BLockRW with real threads. Every wait here is bounded: a lock that never comes free fails
+// the test through a time-out instead of hanging the suite.
+#include <atomic>
+#include <chrono>
+#include <future>
+#include <gtest/gtest.h>
+#include <qv/operations/BAutoLockR.h>
+#include <qv/operations/BAutoLockW.h>
+#include <qv/operations/BAutoTryLockW.h>
+#include <qv/operations/BLockRW.h>
+#include <qv/operations/BSyncableSmartObj.h>
+#include <thread>
+#include <vector>
+
+using namespace std::chrono_literals;
+
+namespace {
+// Long enough for a thread that could get in to do so, short enough to keep the suite quick.
+constexpr auto kSettle = 50ms;
+constexpr auto kBound = 10s;
+
+template <class F>
+std::future<void> Start(F f) {
+    return std::async(std::launch::async, std::move(f));
+}
+
+bool Blocked(std::future<void>& f) {
+    return f.wait_for(kSettle) == std::future_status::timeout;
+}
+bool Finishes(std::future<void>& f) {
+    return f.wait_for(kBound) == std::future_status::ready;
+}
+} // namespace
+
+// Readers and writers share a structure guarded only by the lock. Each writer marks itself
+// inside and changes a pair of values that readers check for consistency; a reader that ever
+// sees the writer mark, or a torn pair, proves overlap. Readers also count themselves, which a
+// writer checks is 0.
+TEST(BLockRWConcurrent, ReadersNeverRunBesideAWriter) {
+    BLockRW lock;
+    std::atomic<int> writersInside{0}, readersInside{0};
+    long long first = 0, second = 0;
+    std::atomic<bool> overlap{false}, stop{false};
+    auto reader = [&] {
+        while (!stop) {
+            {
+                BAutoLockR guard(lock);
+                ++readersInside;
+                if (writersInside.load() != 0 || first != -second)
+                    overlap = true;
+                --readersInside;
+            }
+            // Readers have precedence: without a gap now and then, writers would starve.
+            std::this_thread::yield();
+        }
+    };
+    auto writer = [&] {
+        for (int i = 0; i < 1000; ++i) {
+            BAutoLockW guard(lock);
+            if (writersInside.fetch_add(1) != 0 || readersInside.load() != 0)
+                overlap = true;
+            ++first;
+            std::this_thread::yield();
+            --second;
+            --writersInside;
+        }
+    };
+    std::vector<std::future<void>> readers;
+    for (int i = 0; i < 3; ++i)
+        readers.push_back(Start(reader));
+    auto w1 = Start(writer), w2 = Start(writer);
+    EXPECT_TRUE(Finishes(w1));
+    EXPECT_TRUE(Finishes(w2));
+    stop = true;
+    for (auto& r : readers)
+        EXPECT_TRUE(Finishes(r));
+    EXPECT_FALSE(overlap);
+    EXPECT_EQ(first, 2000);
+}
+
+// The first reader of a group waits for the shared side behind a writer; a second reader that
+// arrives then must wait too, not run on the first reader's pending count.
+TEST(BLockRWConcurrent, ALaterReaderWaitsWhileTheFirstReaderWaitsBehindAWriter) {
+    BLockRW lock;
+    lock.LockW();
+    std::atomic<int> readersIn{0};
+    auto read = [&] {
+        BAutoLockR guard(lock);
+        ++readersIn;
+    };
+    auto r1 = Start(read);
+    ASSERT_TRUE(Blocked(r1));
+    auto r2 = Start(read);
+    EXPECT_TRUE(Blocked(r2));
+    EXPECT_EQ(readersIn.load(), 0);
+    lock.UnlockW();
+    EXPECT_TRUE(Finishes(r1));
+    EXPECT_TRUE(Finishes(r2));
+    EXPECT_EQ(readersIn.load(), 2);
+    EXPECT_TRUE(lock.TryLockW());
+    lock.UnlockW();
+}
+
+// Three readers in; the writer gets in only after the third has left, whichever thread that
+// is, and the shared side is given back by a thread other than the one that took it.
+TEST(BLockRWConcurrent, ABlockedWriterIsReleasedOnlyByTheLastReader) {
+    BLockRW lock;
+    std::promise<void> leave[3];
+    std::promise<void> entered[3];
+    std::vector<std::future<void>> readers;
+    for (int i = 0; i < 3; ++i)
+        readers.push_back(Start([&, i] {
+            lock.LockR();
+            entered[i].set_value();
+            leave[i].get_future().wait();
+            lock.UnlockR();
+        }));
+    for (auto& e : entered)
+        e.get_future().wait();
+    std::atomic<bool> written{false};
+    auto writer = Start([&] {
+        BAutoLockW guard(lock);
+        written = true;
+    });
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_TRUE(Blocked(writer)) << "writer in with " << 3 - i << " readers inside";
+        leave[i].set_value();
+        EXPECT_TRUE(Finishes(readers[i]));
+    }
+    EXPECT_TRUE(Finishes(writer));
+    EXPECT_TRUE(written);
+}
+
+TEST(BLockRWConcurrent, WriteRecursionWithNestedReadsKeepsOthersOut) {
+    BLockRW lock;
+    lock.LockW();
+    lock.LockR();
+    lock.LockW();
+    std::atomic<bool> readerIn{false};
+    auto reader = Start([&] {
+        BAutoLockR guard(lock);
+        readerIn = true;
+    });
+    auto tries = Start([&] { EXPECT_FALSE(lock.TryLockW()); });
+    EXPECT_TRUE(Finishes(tries));
+    lock.UnlockW();
+    lock.UnlockR();
+    EXPECT_TRUE(Blocked(reader)) << "still held at depth 1";
+    EXPECT_FALSE(readerIn);
+    lock.UnlockW();
+    EXPECT_TRUE(Finishes(reader));
+    EXPECT_TRUE(readerIn);
+}
+
+// Readers have precedence: while readers overlap, a waiting writer stays out; TryLockW of
+// another thread fails while a reader is inside.
+TEST(BLockRWConcurrent, OverlappingReadersKeepAWriterOut) {
+    BLockRW lock;
+    lock.LockR();
+    auto tries = Start([&] { EXPECT_FALSE(lock.TryLockW()); });
+    EXPECT_TRUE(Finishes(tries));
+    std::atomic<bool> written{false};
+    auto writer = Start([&] {
+        BAutoLockW guard(lock);
+        written = true;
+    });
+    ASSERT_TRUE(Blocked(writer));
+    // A new reader enters beside the first although a writer waits.
+    auto reader = Start([&] { BAutoLockR guard(lock); });
+    EXPECT_TRUE(Finishes(reader));
+    EXPECT_FALSE(written);
+    lock.UnlockR();
+    EXPECT_TRUE(Finishes(writer));
+}
+
+TEST(BSyncableSmartObjConcurrent, AnotherThreadCannotTryTheHeldMutex) {
+    BSyncableSmartObj object;
+    object.LockR();
+    auto other = Start([&] {
+        EXPECT_FALSE(object.TryLockW());
+        EXPECT_FALSE(object.TryLockR());
+    });
+    EXPECT_TRUE(Finishes(other));
+    std::atomic<bool> in{false};
+    auto blocked = Start([&] {
+        BAutoLockW guard(object);
+        in = true;
+    });
+    EXPECT_TRUE(Blocked(blocked));
+    object.UnlockR();
+    EXPECT_TRUE(Finishes(blocked));
+    EXPECT_TRUE(in);
+}
