@@ -71,4 +71,5 @@
 #include <qv/platform/ThreadName.h>
 #include <qv/platform/VirtualMemory.h>
 #include <qv/platform/WideFormat.h>
+#include <qv/platform/WideNumbers.h>
 #include <qv/platform/WideStream.h>

@@ -7,10 +7,6 @@ using namespace qv::platform;
 
 QV_REGISTER_CLASSNAME(BLockRW);
 
-BLockRW::BLockRW() noexcept {
-    InitializeSRWLock(m_lock);
-}
-
 bool BLockRW::IsOwner() const noexcept {
     return m_owner.load(std::memory_order_relaxed) == GetCurrentThreadId();
 }

@@ -45,7 +45,8 @@ class BLockRW : public BSyncableInterface {
 public:
     QV_DECLARE_CLASSNAME(BLockRW)
 
-    BLockRW() noexcept;
+    // Free: no reader, no owner, the event set.
+    BLockRW() noexcept = default;
     // A lock is no value: a copy would share its state with the original.
     BLockRW(BLockRW const&) = delete;
     BLockRW& operator=(BLockRW const&) = delete;

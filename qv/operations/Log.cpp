@@ -19,7 +19,9 @@ void Write(char16_t const* source, ELog level, char16_t const* context, char16_t
     if (!g_sink)
         return;
     char16_t text[kTextUnits];
-    if (!format || qv::platform::FormatWide(text, kTextUnits, format, args) < 0)
+    // With truncation asked for, a message that does not fit reports -1: it reaches the sink
+    // empty rather than cut.
+    if (!format || qv::platform::_vsnwprintf_s(text, kTextUnits, kTextUnits - 1, format, args) < 0)
         text[0] = 0;
     g_sink->Write(source, level, context, text);
 }

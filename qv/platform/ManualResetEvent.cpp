@@ -16,9 +16,11 @@ void ManualResetEvent::Reset() noexcept {
 }
 
 std::uint32_t ManualResetEvent::Wait(std::uint32_t milliseconds) noexcept {
+    std::uint32_t state = m_state.load();
+    if (state == kSet)
+        return WAIT_OBJECT_0;
     Deadline const deadline = Deadline::After(milliseconds == INFINITE ? 0 : milliseconds);
     Deadline const* limit = milliseconds == INFINITE ? nullptr : &deadline;
-    std::uint32_t state = m_state.load();
     for (;;) {
         if (state == kSet)
             return WAIT_OBJECT_0;

@@ -1,307 +1,507 @@
+#include <algorithm>
+#include <bit>
+#include <cerrno>
+#include <charconv>
+#include <climits>
+#include <cmath>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
+#include <memory>
 #include <qv/platform/CodePage.h>
 #include <qv/platform/WideFormat.h>
+#include <string>
 
 namespace qv::platform {
-
 namespace {
 
-// The argument list travels by reference: a va_list cannot portably be passed on by value
-// and then used again.
-struct Arguments {
-    va_list list;
-};
-
-enum class Size { Default, Char, Short, Long32, Wide, Narrow, Int64, LongDouble };
+enum class Size { None, Char, Short, Long, LongLong, Int32, Pointer, LongDouble, Wide };
 
 struct Conversion {
-    char flags[6] = {};
-    int flagCount = 0;
-    bool left = false;
-    bool zero = false;
-    int width = 0;
-    int precision = -1;
-    Size size = Size::Default;
-    char16_t type = 0;
-
-    bool Has(char flag) const { return std::memchr(flags, flag, flagCount) != nullptr; }
+    bool left = false, plus = false, space = false, alt = false, zero = false;
+    std::size_t width = 0;
+    int precision = -1; // -1: none given
+    Size size = Size::None;
+    char type = 0;
 };
 
-class Output {
+// Writes into the caller's buffer up to a limit and notes when something did not fit.
+template <class Unit>
+class Writer {
 public:
-    Output(char16_t* begin, std::size_t count)
-        : m_begin(begin), m_p(begin), m_end(begin + count - 1) {}
+    Writer(Unit* buffer, std::size_t limit) : m_buffer(buffer), m_limit(limit) {}
 
-    void Put(char16_t c) {
-        if (m_p < m_end)
-            *m_p++ = c;
-        else
-            m_cut = true;
+    template <class C>
+    void Put(C const* text, std::size_t n) {
+        if (n > m_limit - m_count) {
+            n = m_limit - m_count;
+            m_full = true;
+        }
+        if constexpr (sizeof(C) == sizeof(Unit)) {
+            std::memcpy(m_buffer + m_count, text, n * sizeof(Unit));
+        } else {
+            for (std::size_t i = 0; i < n; ++i)
+                m_buffer[m_count + i] = static_cast<unsigned char>(text[i]);
+        }
+        m_count += n;
     }
-    void Fill(int n, char16_t c) {
-        for (; n > 0; --n)
-            Put(c);
+    void Fill(Unit c, std::size_t n) {
+        if (n > m_limit - m_count) {
+            n = m_limit - m_count;
+            m_full = true;
+        }
+        std::fill_n(m_buffer + m_count, n, c);
+        m_count += n;
     }
-    // Room for n more units; when there is none, the text counts as cut.
-    char16_t* Reserve(std::size_t n) {
-        if (static_cast<std::size_t>(m_end - m_p) >= n)
-            return m_p;
-        m_cut = true;
-        return nullptr;
+    bool Full() const { return m_full; }
+    std::size_t Count() const { return m_count; }
+
+private:
+    Unit* m_buffer;
+    std::size_t m_limit;
+    std::size_t m_count = 0;
+    bool m_full = false;
+};
+
+template <class C>
+std::size_t BoundedLength(C const* text, std::size_t limit) {
+    std::size_t n = 0;
+    while (n < limit && text[n])
+        ++n;
+    return n;
+}
+
+// Text of either width in the width of the format, through the ANSI code page when the widths
+// differ; limit caps the length of the source.
+template <class Unit, class C>
+std::basic_string<Unit> ToWidth(C const* text, std::size_t limit) {
+    int n = static_cast<int>(std::min<std::size_t>(BoundedLength(text, limit), INT_MAX));
+    if constexpr (sizeof(Unit) == sizeof(C)) {
+        return std::basic_string<Unit>(text, static_cast<std::size_t>(n));
+    } else if constexpr (sizeof(Unit) == 1) {
+        std::string out(static_cast<std::size_t>(WideCharToMultiByte(text, n, nullptr, 0)), '\0');
+        WideCharToMultiByte(text, n, out.data(), static_cast<int>(out.size()));
+        return out;
+    } else {
+        std::u16string out(static_cast<std::size_t>(MultiByteToWideChar(text, n, nullptr, 0)),
+                           u'\0');
+        MultiByteToWideChar(text, n, out.data(), static_cast<int>(out.size()));
+        return out;
     }
-    void Advance(std::size_t n) { m_p += n; }
-    int Finish(bool valid) {
-        if (!valid)
-            m_p = m_begin;
-        *m_p = 0;
-        return valid && !m_cut ? static_cast<int>(m_p - m_begin) : -1;
+}
+
+template <class Unit>
+class Formatter {
+public:
+    Formatter(Writer<Unit>& out, va_list& args) : m_out(out), m_args(args) {}
+
+    // False when the format is invalid.
+    bool Run(Unit const* f) {
+        while (*f && !m_out.Full()) {
+            Unit const* run = f;
+            while (*f && *f != '%')
+                ++f;
+            m_out.Put(run, static_cast<std::size_t>(f - run));
+            if (!*f)
+                break;
+            Conversion conversion;
+            f = ParseConversion(f + 1, conversion);
+            if (!f || !Convert(conversion))
+                return false;
+        }
+        return true;
     }
 
 private:
-    char16_t* m_begin;
-    char16_t* m_p;
-    char16_t* m_end;
-    bool m_cut = false;
+    Unit const* ParseConversion(Unit const* f, Conversion& s) {
+        for (;; ++f) {
+            if (*f == '-')
+                s.left = true;
+            else if (*f == '+')
+                s.plus = true;
+            else if (*f == ' ')
+                s.space = true;
+            else if (*f == '#')
+                s.alt = true;
+            else if (*f == '0')
+                s.zero = true;
+            else
+                break;
+        }
+        if (*f == '*') {
+            int w = va_arg(m_args, int);
+            s.left |= w < 0;
+            s.width = w < 0 ? 0u - static_cast<unsigned>(w) : static_cast<unsigned>(w);
+            ++f;
+        } else {
+            f = Number(f, s.width);
+        }
+        if (*f == '.') {
+            ++f;
+            if (*f == '*') {
+                int p = va_arg(m_args, int);
+                s.precision = p < 0 ? -1 : p;
+                ++f;
+            } else {
+                std::size_t p = 0;
+                f = Number(f, p);
+                s.precision = static_cast<int>(std::min<std::size_t>(p, 1u << 30));
+            }
+        }
+        f = ParseSize(f, s.size);
+        s.type = *f < 0x80 ? static_cast<char>(*f) : '?';
+        return *f ? f + 1 : nullptr;
+    }
+
+    static Unit const* Number(Unit const* f, std::size_t& n) {
+        for (; *f >= '0' && *f <= '9'; ++f)
+            n = std::min<std::size_t>(n * 10 + (*f - '0'), 1u << 30);
+        return f;
+    }
+
+    static Unit const* ParseSize(Unit const* f, Size& size) {
+        auto is = [&](char const* p) {
+            std::size_t i = 0;
+            for (; p[i]; ++i)
+                if (f[i] != p[i])
+                    return false;
+            f += i;
+            return true;
+        };
+        if (is("hh"))
+            size = Size::Char;
+        else if (is("h"))
+            size = Size::Short;
+        else if (is("ll") || is("I64") || is("j"))
+            size = Size::LongLong;
+        else if (is("l"))
+            size = Size::Long;
+        else if (is("I32"))
+            size = Size::Int32;
+        else if (is("I") || is("z") || is("t"))
+            size = Size::Pointer;
+        else if (is("L"))
+            size = Size::LongDouble;
+        else if (is("w"))
+            size = Size::Wide;
+        return f;
+    }
+
+    bool Convert(Conversion const& s) {
+        switch (s.type) {
+        case 'd':
+        case 'i':
+            return Signed(s);
+        case 'u':
+        case 'o':
+        case 'x':
+        case 'X':
+            return Unsigned(s);
+        case 'e':
+        case 'E':
+        case 'f':
+        case 'F':
+        case 'g':
+        case 'G':
+        case 'a':
+        case 'A':
+            return Float(s);
+        case 'c':
+        case 'C':
+            return Char(s);
+        case 's':
+        case 'S':
+            return String(s);
+        case 'p':
+            return Pointer(s);
+        case '%':
+            m_out.Put("%", 1);
+            return true;
+        default: // %n among them: the runtime refuses it
+            return false;
+        }
+    }
+
+    // The other width is asked for by the upper-case letter or by the size prefix.
+    bool WantsWide(Conversion const& s) const {
+        bool upper = s.type == 'S' || s.type == 'C';
+        if (s.size == Size::Short)
+            return false;
+        if (s.size == Size::Long || s.size == Size::Wide)
+            return true;
+        return (sizeof(Unit) == 2) != upper;
+    }
+
+    template <class Body>
+    void Field(Conversion const& s, char const* prefix, std::size_t zeros, std::size_t length,
+               bool zeroPad, Body&& body) {
+        std::size_t prefixLength = std::strlen(prefix);
+        std::size_t total = prefixLength + zeros + length;
+        std::size_t pad = s.width > total ? s.width - total : 0;
+        if (!s.left && !zeroPad)
+            m_out.Fill(' ', pad);
+        m_out.Put(prefix, prefixLength);
+        if (!s.left && zeroPad)
+            m_out.Fill('0', pad);
+        m_out.Fill('0', zeros);
+        body();
+        if (s.left)
+            m_out.Fill(' ', pad);
+    }
+
+    bool Signed(Conversion const& s) {
+        long long v;
+        switch (s.size) {
+        case Size::Char:
+            v = static_cast<signed char>(va_arg(m_args, int));
+            break;
+        case Size::Short:
+            v = static_cast<short>(va_arg(m_args, int));
+            break;
+        case Size::Long:
+            v = va_arg(m_args, long);
+            break;
+        case Size::LongLong:
+        case Size::LongDouble:
+            v = va_arg(m_args, long long);
+            break;
+        case Size::Pointer:
+            v = va_arg(m_args, std::ptrdiff_t);
+            break;
+        default:
+            v = va_arg(m_args, int);
+        }
+        unsigned long long magnitude = v < 0 ? 0ull - static_cast<unsigned long long>(v) : v;
+        char const* sign = v < 0 ? "-" : s.plus ? "+" : s.space ? " " : "";
+        Integer(s, magnitude, sign, 10);
+        return true;
+    }
+
+    bool Unsigned(Conversion const& s) {
+        unsigned long long v;
+        switch (s.size) {
+        case Size::Char:
+            v = static_cast<unsigned char>(va_arg(m_args, unsigned));
+            break;
+        case Size::Short:
+            v = static_cast<unsigned short>(va_arg(m_args, unsigned));
+            break;
+        case Size::Long:
+            v = va_arg(m_args, unsigned long);
+            break;
+        case Size::LongLong:
+        case Size::LongDouble:
+            v = va_arg(m_args, unsigned long long);
+            break;
+        case Size::Pointer:
+            v = va_arg(m_args, std::size_t);
+            break;
+        default:
+            v = va_arg(m_args, unsigned);
+        }
+        int radix = s.type == 'o' ? 8 : s.type == 'u' ? 10 : 16;
+        char const* prefix = s.alt && radix == 16 && v ? (s.type == 'X' ? "0X" : "0x") : "";
+        Integer(s, v, prefix, radix);
+        return true;
+    }
+
+    void Integer(Conversion const& s, unsigned long long v, char const* prefix, int radix) {
+        char digits[24];
+        std::size_t n = 0;
+        if (v || s.precision != 0)
+            n = static_cast<std::size_t>(std::to_chars(digits, digits + 24, v, radix).ptr - digits);
+        if (s.type == 'X')
+            std::transform(digits, digits + n, digits,
+                           [](char c) { return c >= 'a' ? c - 32 : c; });
+        std::size_t precision = s.precision < 0 ? 0 : static_cast<std::size_t>(s.precision);
+        std::size_t zeros = precision > n ? precision - n : 0;
+        if (s.alt && radix == 8 && zeros == 0 && (n == 0 || digits[0] != '0'))
+            zeros = 1;
+        Field(s, prefix, zeros, n, s.zero && s.precision < 0, [&] { m_out.Put(digits, n); });
+    }
+
+    bool Pointer(Conversion const& s) {
+        auto v = reinterpret_cast<std::uintptr_t>(va_arg(m_args, void*));
+        char digits[16];
+        for (int i = 15; i >= 0; --i, v >>= 4)
+            digits[i] = "0123456789ABCDEF"[v & 15];
+        Field(s, "", 0, 16, false, [&] { m_out.Put(digits, 16); });
+        return true;
+    }
+
+    bool Char(Conversion const& s) {
+        int c = va_arg(m_args, int);
+        if (WantsWide(s)) {
+            char16_t unit[1] = {static_cast<char16_t>(c)};
+            Text(s, ToWidth<Unit>(unit, 1), true);
+        } else {
+            char byte[1] = {static_cast<char>(c)};
+            Text(s, ToWidth<Unit>(byte, 1), true);
+        }
+        return true;
+    }
+
+    bool String(Conversion const& s) {
+        std::size_t limit =
+            s.precision < 0 ? ~std::size_t{0} : static_cast<std::size_t>(s.precision);
+        void const* p = va_arg(m_args, void const*);
+        if (!p)
+            Text(s, ToWidth<Unit>("(null)", std::min<std::size_t>(limit, 6)), false);
+        else if (WantsWide(s) && sizeof(Unit) == 2)
+            Same(s, static_cast<Unit const*>(p), limit);
+        else if (!WantsWide(s) && sizeof(Unit) == 1)
+            Same(s, static_cast<Unit const*>(p), limit);
+        else if (WantsWide(s))
+            Text(s, ToWidth<Unit>(static_cast<char16_t const*>(p), limit), false);
+        else
+            Text(s, ToWidth<Unit>(static_cast<char const*>(p), limit), false);
+        return true;
+    }
+
+    // Text of the format's own width, read in place.
+    void Same(Conversion const& s, Unit const* text, std::size_t limit) {
+        std::size_t n = BoundedLength(text, limit);
+        Field(s, "", 0, n, s.zero, [&] { m_out.Put(text, n); });
+    }
+
+    void Text(Conversion const& s, std::basic_string<Unit> const& text, bool isChar) {
+        std::size_t n = text.size();
+        if (!isChar && s.precision >= 0)
+            n = std::min<std::size_t>(n, static_cast<std::size_t>(s.precision));
+        Field(s, "", 0, n, s.zero, [&] { m_out.Put(text.data(), n); });
+    }
+
+    bool Float(Conversion const& s) {
+        double v = s.size == Size::LongDouble ? static_cast<double>(va_arg(m_args, long double))
+                                              : va_arg(m_args, double);
+        bool upper = s.type >= 'A' && s.type <= 'Z';
+        char lower = static_cast<char>(s.type | 0x20);
+        char const* sign = std::signbit(v) ? "-" : s.plus ? "+" : s.space ? " " : "";
+        if (!std::isfinite(v)) {
+            char const* text = NonFinite(v, upper);
+            Field(s, sign, 0, std::strlen(text), false,
+                  [&] { m_out.Put(text, std::strlen(text)); });
+            return true;
+        }
+        int precision = s.precision >= 0 ? s.precision : lower == 'a' ? 13 : 6;
+        std::size_t capacity = static_cast<std::size_t>(precision) + 400;
+        char small[512];
+        std::unique_ptr<char[]> big(capacity > sizeof small ? new char[capacity] : nullptr);
+        char* digits = big ? big.get() : small;
+        std::size_t n = Digits(digits, capacity, std::fabs(v), lower, precision, s.alt);
+        if (upper)
+            std::transform(digits, digits + n, digits,
+                           [](char c) { return c >= 'a' ? c - 32 : c; });
+        std::string prefix = sign;
+        if (lower == 'a')
+            prefix += upper ? "0X" : "0x";
+        Field(s, prefix.c_str(), 0, n, s.zero, [&] { m_out.Put(digits, n); });
+        return true;
+    }
+
+    static char const* NonFinite(double v, bool upper) {
+        if (std::isinf(v))
+            return upper ? "INF" : "inf";
+        auto bits = std::bit_cast<std::uint64_t>(v);
+        bool quiet = bits & (1ull << 51);
+        std::uint64_t payload = bits & ((1ull << 51) - 1);
+        if (!quiet)
+            return upper ? "NAN(SNAN)" : "nan(snan)";
+        // The default NaN of x86 arithmetic (0/0, sqrt(-1)) is negative with an empty payload.
+        if (std::signbit(v) && payload == 0)
+            return upper ? "NAN(IND)" : "nan(ind)";
+        return upper ? "NAN" : "nan";
+    }
+
+    // The digits of a finite, non-negative value, as %e, %f, %g or %a (without "0x") print it.
+    static std::size_t Digits(char* out, std::size_t capacity, double v, char type, int precision,
+                              bool alt) {
+        char* end = out + capacity;
+        char* last;
+        switch (type) {
+        case 'f':
+            last = std::to_chars(out, end, v, std::chars_format::fixed, precision).ptr;
+            break;
+        case 'e':
+            last = std::to_chars(out, end, v, std::chars_format::scientific, precision).ptr;
+            break;
+        case 'a':
+            last = std::to_chars(out, end, v, std::chars_format::hex, precision).ptr;
+            break;
+        default:
+            return General(out, end, v, precision == 0 ? 1 : precision, alt);
+        }
+        if (alt && precision == 0)
+            last = InsertPoint(out, last, type == 'a' ? 'p' : 'e');
+        return static_cast<std::size_t>(last - out);
+    }
+
+    // %g; with the # flag trailing zeros stay, so the choice between %e and %f is made here.
+    static std::size_t General(char* out, char* end, double v, int precision, bool alt) {
+        if (!alt)
+            return static_cast<std::size_t>(
+                std::to_chars(out, end, v, std::chars_format::general, precision).ptr - out);
+        int exponent = 0;
+        if (v != 0) {
+            char* last =
+                std::to_chars(out, end, v, std::chars_format::scientific, precision - 1).ptr;
+            char const* digits = std::find(out, last, 'e') + 1;
+            std::from_chars(digits + (*digits == '+'), last, exponent);
+        }
+        char* last;
+        if (precision > exponent && exponent >= -4)
+            last =
+                std::to_chars(out, end, v, std::chars_format::fixed, precision - 1 - exponent).ptr;
+        else
+            last = std::to_chars(out, end, v, std::chars_format::scientific, precision - 1).ptr;
+        if (std::find(out, last, '.') == last)
+            last = InsertPoint(out, last, 'e');
+        return static_cast<std::size_t>(last - out);
+    }
+
+    // Puts a decimal point behind the mantissa, before the exponent letter if there is one.
+    static char* InsertPoint(char* out, char* last, char exponentLetter) {
+        char* at = std::find(out, last, exponentLetter);
+        std::memmove(at + 1, at, static_cast<std::size_t>(last - at));
+        *at = '.';
+        return last + 1;
+    }
+
+    Writer<Unit>& m_out;
+    va_list& m_args;
 };
 
-bool IsDigit(char16_t c) {
-    return c >= u'0' && c <= u'9';
-}
-
-// A width or precision: digits or '*'. Absurd numbers make the format invalid.
-bool ParseNumber(char16_t const*& f, Arguments& args, int& value) {
-    if (*f == u'*') {
-        ++f;
-        value = va_arg(args.list, int);
-        return true;
+template <class Unit>
+int Format(Unit* buffer, std::size_t size, std::size_t count, Unit const* format, va_list args) {
+    if (!buffer || size == 0 || !format) {
+        if (buffer && size)
+            buffer[0] = 0;
+        errno = EINVAL;
+        return -1;
     }
-    long long n = 0;
-    for (; IsDigit(*f); ++f) {
-        n = n * 10 + (*f - u'0');
-        if (n > 1000000)
-            return false;
+    Writer<Unit> out(buffer, std::min(count, size - 1));
+    va_list copy;
+    va_copy(copy, args);
+    bool valid = Formatter<Unit>(out, copy).Run(format);
+    va_end(copy);
+    if (!valid) {
+        buffer[0] = 0;
+        errno = EINVAL;
+        return -1;
     }
-    value = static_cast<int>(n);
-    return true;
-}
-
-bool StartsWith(char16_t const* f, char const* prefix) {
-    for (; *prefix; ++f, ++prefix)
-        if (*f != static_cast<char16_t>(*prefix))
-            return false;
-    return true;
-}
-
-Size ParseSize(char16_t const*& f) {
-    static constexpr struct {
-        char const* text;
-        Size size;
-    } kSizes[] = {{"I64", Size::Int64}, {"I32", Size::Default}, {"hh", Size::Char},
-                  {"ll", Size::Int64},  {"h", Size::Short},     {"l", Size::Long32},
-                  {"w", Size::Wide},    {"I", Size::Int64},     {"z", Size::Int64},
-                  {"t", Size::Int64},   {"j", Size::Int64},     {"L", Size::LongDouble}};
-    for (auto const& s : kSizes)
-        if (StartsWith(f, s.text)) {
-            f += std::strlen(s.text);
-            return s.size;
-        }
-    return Size::Default;
-}
-
-bool Parse(char16_t const*& f, Arguments& args, Conversion& c) {
-    for (; *f && *f < 0x80 && std::strchr("-+ 0#", static_cast<char>(*f)); ++f)
-        if (c.flagCount < 5 && !c.Has(static_cast<char>(*f)))
-            c.flags[c.flagCount++] = static_cast<char>(*f);
-    if (!ParseNumber(f, args, c.width))
-        return false;
-    if (*f == u'.') {
-        ++f;
-        if (!ParseNumber(f, args, c.precision))
-            return false;
-    }
-    c.left = c.Has('-') || c.width < 0;
-    c.width = c.width < 0 ? -c.width : c.width;
-    c.zero = c.Has('0') && !c.left;
-    c.size = ParseSize(f);
-    c.type = *f;
-    if (c.type)
-        ++f;
-    return true;
-}
-
-// Integers as the size asks for them, widened to 64 bits. Windows' long has 32 bits: a long
-// argument is read at its full width here and cut as the Windows runtime would read it.
-long long SignedArgument(Size size, Arguments& args) {
-    switch (size) {
-    case Size::Char:
-        return static_cast<signed char>(va_arg(args.list, int));
-    case Size::Short:
-        return static_cast<short>(va_arg(args.list, int));
-    case Size::Long32:
-        return static_cast<std::int32_t>(va_arg(args.list, long));
-    case Size::Int64:
-        return va_arg(args.list, long long);
-    default:
-        return va_arg(args.list, int);
-    }
-}
-
-unsigned long long UnsignedArgument(Size size, Arguments& args) {
-    switch (size) {
-    case Size::Char:
-        return static_cast<unsigned char>(va_arg(args.list, unsigned));
-    case Size::Short:
-        return static_cast<unsigned short>(va_arg(args.list, unsigned));
-    case Size::Long32:
-        return static_cast<std::uint32_t>(va_arg(args.list, unsigned long));
-    case Size::Int64:
-        return va_arg(args.list, unsigned long long);
-    default:
-        return va_arg(args.list, unsigned);
-    }
-}
-
-// Numbers go through the C library's narrow printf, whose digits are what the Windows runtime
-// prints; the result is ASCII and widens unit by unit.
-template <class T>
-bool PutNumber(Conversion const& c, char const* length, T value, Output& out) {
-    char spec[24] = "%";
-    std::strcat(spec, c.flags);
-    std::strcat(spec, "*.*");
-    std::strcat(spec, length);
-    std::size_t const end = std::strlen(spec);
-    spec[end] = static_cast<char>(c.type);
-    spec[end + 1] = 0;
-    char text[1024];
-    int const n = std::snprintf(text, sizeof text, spec, c.width, c.precision, value);
-    if (n < 0 || static_cast<std::size_t>(n) >= sizeof text)
-        return false;
-    for (int i = 0; i < n; ++i)
-        out.Put(static_cast<unsigned char>(text[i]));
-    return true;
-}
-
-void PutPadded(Conversion const& c, char16_t const* text, std::size_t length, Output& out) {
-    int const pad = c.width > static_cast<int>(length) ? c.width - static_cast<int>(length) : 0;
-    if (!c.left)
-        out.Fill(pad, c.zero ? u'0' : u' ');
-    for (std::size_t i = 0; i < length; ++i)
-        out.Put(text[i]);
-    if (c.left)
-        out.Fill(pad, u' ');
-}
-
-void PutWideText(Conversion const& c, char16_t const* text, Output& out) {
-    if (!text)
-        text = u"(null)";
-    std::size_t length = 0;
-    while (text[length] && (c.precision < 0 || length < static_cast<std::size_t>(c.precision)))
-        ++length;
-    PutPadded(c, text, length, out);
-}
-
-// Narrow text converts from the ANSI code page straight into the output.
-void PutNarrowText(Conversion const& c, char const* text, Output& out) {
-    if (!text)
-        text = "(null)";
-    std::size_t length =
-        c.precision < 0 ? std::strlen(text) : strnlen(text, static_cast<std::size_t>(c.precision));
-    int const srcLength = static_cast<int>(length);
-    int const units = length ? MultiByteToWideChar(text, srcLength, nullptr, 0) : 0;
-    int const pad = c.width > units ? c.width - units : 0;
-    if (!c.left)
-        out.Fill(pad, c.zero ? u'0' : u' ');
-    if (char16_t* room = out.Reserve(static_cast<std::size_t>(units)); room && units > 0)
-        out.Advance(static_cast<std::size_t>(MultiByteToWideChar(text, srcLength, room, units)));
-    if (c.left)
-        out.Fill(pad, u' ');
-}
-
-bool NarrowForm(Conversion const& c) {
-    bool const upper = c.type == u'S' || c.type == u'C';
-    return c.size == Size::Short || (upper && c.size != Size::Long32 && c.size != Size::Wide);
-}
-
-bool Convert(Conversion const& c, Arguments& args, Output& out) {
-    switch (c.type) {
-    case u'd':
-    case u'i':
-        return PutNumber(c, "ll", SignedArgument(c.size, args), out);
-    case u'o':
-    case u'u':
-    case u'x':
-    case u'X':
-        return PutNumber(c, "ll", UnsignedArgument(c.size, args), out);
-    case u'e':
-    case u'E':
-    case u'f':
-    case u'F':
-    case u'g':
-    case u'G':
-    case u'a':
-    case u'A':
-        return PutNumber(c, "",
-                         c.size == Size::LongDouble
-                             ? static_cast<double>(va_arg(args.list, long double))
-                             : va_arg(args.list, double),
-                         out);
-    case u'p': {
-        Conversion pointer;
-        pointer.type = u'X';
-        pointer.width = c.width;
-        pointer.precision = 16;
-        if (c.left)
-            pointer.flags[pointer.flagCount++] = '-';
-        return PutNumber(pointer, "ll", reinterpret_cast<std::uintptr_t>(va_arg(args.list, void*)),
-                         out);
-    }
-    case u'c':
-    case u'C': {
-        int const value = va_arg(args.list, int);
-        char16_t unit = static_cast<char16_t>(value);
-        char const narrow = static_cast<char>(value);
-        if (NarrowForm(c) && MultiByteToWideChar(&narrow, 1, &unit, 1) != 1)
-            unit = u'?';
-        PutPadded(c, &unit, 1, out);
-        return true;
-    }
-    case u's':
-    case u'S':
-        if (NarrowForm(c))
-            PutNarrowText(c, va_arg(args.list, char const*), out);
-        else
-            PutWideText(c, va_arg(args.list, char16_t const*), out);
-        return true;
-    default: // %n is refused by the Windows runtime; anything unknown is an invalid format.
-        return false;
-    }
+    buffer[out.Count()] = 0;
+    return out.Full() ? -1 : static_cast<int>(out.Count());
 }
 
 } // namespace
 
-int FormatWide(char16_t* buffer, std::size_t count, char16_t const* format, va_list list) noexcept {
-    if (!buffer || count == 0)
-        return -1;
-    Output out(buffer, count);
-    Arguments args;
-    va_copy(args.list, list);
-    bool valid = format != nullptr;
-    for (char16_t const* f = format; valid && *f;) {
-        if (*f != u'%') {
-            out.Put(*f++);
-            continue;
-        }
-        if (*++f == u'%') {
-            out.Put(*f++);
-            continue;
-        }
-        Conversion c;
-        valid = Parse(f, args, c) && Convert(c, args, out);
-    }
-    va_end(args.list);
-    return out.Finish(valid);
+int vsnprintf_s(char* buffer, std::size_t size, std::size_t count, char const* format,
+                va_list args) {
+    return Format(buffer, size, count, format, args);
+}
+
+int _vsnwprintf_s(char16_t* buffer, std::size_t size, std::size_t count, char16_t const* format,
+                  va_list args) {
+    return Format(buffer, size, count, format, args);
 }
 
 } // namespace qv::platform

@@ -16,7 +16,14 @@ public:
     BDictionaryItem() = default;
     BDictionaryItem(K const& key, V const& value) : m_key(key), m_value(value) {}
     unsigned long long Hash() const override { return HashKey(m_key); }
-    bool SameKey(BDictionaryItem const& other) const { return m_key == other.m_key; }
+    bool SameKey(BDictionaryItem const& other) const {
+        // The strings' Equal is their operator==; called by name, it avoids the reversed
+        // operator candidates that C++20 compilers weigh for a member operator== of a base.
+        if constexpr (requires { m_key.Equal(other.m_key); })
+            return m_key.Equal(other.m_key);
+        else
+            return m_key == other.m_key;
+    }
 
     K m_key{};
     V m_value{};

@@ -33,7 +33,7 @@ TEST(DList, HeadAndTailAdditionsKeepBothLinksAndTheCount) {
     DList<int> other;
     other.AddTail(9);
     list.AddList(other);
-    list.AddList(list); // walks a snapshot of nothing but the list itself: doubles it
+    list.AddList(list); // adding a list to itself doubles it and stops
     EXPECT_EQ(list.Count(), 8);
 }
 

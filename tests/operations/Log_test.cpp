@@ -1,0 +1,114 @@
+#include <gtest/gtest.h>
+#include <optional>
+#include <qv/operations/Log.h>
+#include <qv/operations/LogItem.h>
+#include <string>
+#include <vector>
+
+using Qv::ELog;
+
+namespace {
+struct Entry {
+    std::optional<std::u16string> source;
+    ELog level;
+    std::u16string context, text;
+};
+
+class RecordingSink : public Qv::LoggerInterface {
+public:
+    void Write(char16_t const* source, ELog level, char16_t const* context,
+               char16_t const* text) override {
+        entries.push_back(
+            {source ? std::optional<std::u16string>(source) : std::nullopt, level, context, text});
+    }
+    std::vector<Entry> entries;
+};
+
+class LogTest : public ::testing::Test {
+protected:
+    void TearDown() override { Qv::RegisterLoggerInterface(nullptr); }
+};
+} // namespace
+
+TEST_F(LogTest, WithoutASinkTheArgumentsAreNotTouched) {
+    // A bad pointer for %s: formatting would read it.
+    Qv::Log(u"src", ELog::Error, u"ctx", u"%s %S", reinterpret_cast<char16_t const*>(8),
+            reinterpret_cast<char const*>(8));
+    Qv::Log(ELog::Info, u"ctx", nullptr);
+}
+
+TEST_F(LogTest, HandsFormattedTextToTheSink) {
+    RecordingSink sink;
+    Qv::RegisterLoggerInterface(&sink);
+    Qv::Log(u"scanner", ELog::Warning, u"calibration", u"%s: %d of %S", u"cameras", 2, "3");
+    Qv::Log(ELog::Debug, u"ctx", u"plain");
+    Qv::Log(ELog::Info, u"ctx", nullptr);
+    ASSERT_EQ(sink.entries.size(), 3u);
+    EXPECT_EQ(sink.entries[0].source, u"scanner");
+    EXPECT_EQ(sink.entries[0].level, ELog::Warning);
+    EXPECT_EQ(sink.entries[0].context, u"calibration");
+    EXPECT_EQ(sink.entries[0].text, u"cameras: 2 of 3");
+    EXPECT_EQ(sink.entries[1].source, std::nullopt) << "the overload without a source";
+    EXPECT_EQ(sink.entries[1].text, u"plain");
+    EXPECT_EQ(sink.entries[2].text, u"") << "a null format is an empty text";
+}
+
+TEST_F(LogTest, TextThatDoesNotFitOrCannotBeFormattedArrivesEmpty) {
+    RecordingSink sink;
+    Qv::RegisterLoggerInterface(&sink);
+    std::u16string const longest(4095, u'x');
+    Qv::Log(ELog::Info, u"", u"%s", longest.c_str());
+    Qv::Log(ELog::Info, u"", u"%sy", longest.c_str());
+    Qv::Log(ELog::Info, u"", u"%y");
+    ASSERT_EQ(sink.entries.size(), 3u);
+    EXPECT_EQ(sink.entries[0].text, longest);
+    EXPECT_EQ(sink.entries[1].text, u"") << "4096 units are dropped, not cut";
+    EXPECT_EQ(sink.entries[2].text, u"");
+}
+
+TEST_F(LogTest, OnlyTheRegisteredSinkUnregistersAndADyingSinkLeavesOthersAlone) {
+    RecordingSink second;
+    {
+        RecordingSink first;
+        Qv::RegisterLoggerInterface(&first);
+        Qv::RegisterLoggerInterface(&second);
+        EXPECT_FALSE(Qv::UnregisterLoggerInterface(&first));
+    }
+    Qv::Log(ELog::Info, u"", u"a");
+    EXPECT_EQ(second.entries.size(), 1u) << "the first sink's death unregistered nothing";
+    {
+        RecordingSink third;
+        Qv::RegisterLoggerInterface(&third);
+    }
+    Qv::Log(ELog::Info, u"", u"b"); // the third took itself out of service: nobody is called
+    EXPECT_EQ(second.entries.size(), 1u);
+    Qv::RegisterLoggerInterface(&second);
+    EXPECT_TRUE(Qv::UnregisterLoggerInterface(&second));
+    EXPECT_FALSE(Qv::UnregisterLoggerInterface(&second));
+}
+
+TEST_F(LogTest, ASinkThatThrowsLeavesTheFrontEndUsable) {
+    struct Throwing : Qv::LoggerInterface {
+        void Write(char16_t const*, ELog, char16_t const*, char16_t const*) override { throw 5; }
+    } sink;
+    Qv::RegisterLoggerInterface(&sink);
+    EXPECT_THROW(Qv::Log(ELog::Error, u"", u"x"), int);
+    EXPECT_TRUE(Qv::UnregisterLoggerInterface(&sink)) << "the mutex was given back";
+}
+
+TEST(LogItem, CopiesAndMovesItsTextsAndValue) {
+    Qv::LogItem item;
+    EXPECT_TRUE(item.m_texts.empty());
+    EXPECT_EQ(item.m_value, 0);
+    item.m_texts[WString(u"k")] = WString(u"v");
+    item.m_value = 42;
+    Qv::LogItem copy(item);
+    EXPECT_EQ(copy.m_texts.at(WString(u"k")), WString(u"v"));
+    Qv::LogItem moved(std::move(item));
+    EXPECT_EQ(moved.m_texts.size(), 1u);
+    EXPECT_TRUE(item.m_texts.empty());
+    EXPECT_EQ(item.m_value, 42) << "the value is copied, not taken";
+    copy = std::move(moved);
+    EXPECT_TRUE(moved.m_texts.empty());
+    EXPECT_EQ(copy.m_value, 42);
+}
