@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <charconv>
 #include <cstdio>
 #include <cstring>
 #include <deque>
@@ -21,9 +23,17 @@ constexpr int kOldestFormat = 2;
 // Bytes gathered before they go to the stream. A record is patched here while it is still in
 // memory, so that writing does not seek (and so flush the stream) once per object.
 constexpr std::size_t kOutputChunk = 1 << 20;
+constexpr std::size_t kInputChunk = 1 << 16;
 
 std::string Key(BString const& text) {
     return std::string(text.View());
+}
+
+// The key of a reference number: the same text as BSmartObj::Id gives, made without a
+// string of our own on the heap, since loading does this once per reference.
+std::string NumberKey(unsigned long long number) {
+    char text[16];
+    return std::string(text, std::to_chars(text, text + 16, number, 16).ptr);
 }
 
 void AddClassPrefix(BString& text) {
@@ -36,10 +46,7 @@ void AddClassPrefix(BString& text) {
 std::FILE* OpenFile(WString const& path, bool write) {
     if (path.IsEmpty())
         return nullptr;
-    std::FILE* file = std::fopen(path.ToUtf8().c_str(), write ? "wb" : "rb");
-    if (file && !write)
-        std::setvbuf(file, nullptr, _IOFBF, 1 << 16);
-    return file;
+    return std::fopen(path.ToUtf8().c_str(), write ? "wb" : "rb");
 }
 
 bool Seek(std::FILE* file, long long position, int origin = SEEK_SET) {
@@ -99,6 +106,14 @@ struct BQuorvelArchive::State {
     std::vector<unsigned char> output;
     long long outputStart = 0;
 
+    // Bytes read ahead: the stream's position is always inputStart + inputEnd. Loading seeks
+    // once per object, mostly to where the previous one ended or a little further, which is
+    // served here without a call to the stream.
+    std::vector<unsigned char> input;
+    std::size_t inputPosition = 0;
+    std::size_t inputEnd = 0;
+    long long inputStart = 0;
+
     bool Good() const { return file && !std::ferror(file); }
 
     void OpenForWriting(BString const& name, int version) {
@@ -132,8 +147,8 @@ struct BQuorvelArchive::State {
               format >= kOldestFormat && format <= kWrittenFormat))
             return false;
         formatVersion = format;
-        firstRecord = Tell(file);
-        return firstRecord >= 0;
+        firstRecord = ReadPosition();
+        return true;
     }
 
     // One pass over the prefixes, seeking over the data, to learn where each key lies.
@@ -141,8 +156,10 @@ struct BQuorvelArchive::State {
         if (!Seek(file, 0, SEEK_END))
             return false;
         long long end = Tell(file);
+        inputStart = end;
+        inputPosition = inputEnd = 0;
         long long position = firstRecord;
-        if (end < 0 || !Seek(file, position))
+        if (end < 0 || !SeekRead(position))
             return false;
         while (position < end) {
             BString id, name, className;
@@ -150,7 +167,7 @@ struct BQuorvelArchive::State {
             unsigned long long size = 0;
             if (!BSmartObj::ReadPrefix(owner, id, name, className, version, size))
                 return false;
-            long long data = Tell(file);
+            long long data = ReadPosition();
             // A negative size is the placeholder of a record that never got finished. It is
             // refused as such, also where seeking back by it would succeed: that could walk
             // the scan in circles. A size beyond the end would fail at the next prefix.
@@ -162,7 +179,7 @@ struct BQuorvelArchive::State {
             if (!name.IsEmpty())
                 offsets[Key(name)] = position;
             position = data + static_cast<long long>(size);
-            if (!Seek(file, position))
+            if (!SeekRead(position))
                 return false;
         }
         return true;
@@ -172,6 +189,44 @@ struct BQuorvelArchive::State {
         DrainOutput();
         std::fclose(file);
         file = nullptr;
+    }
+
+    long long ReadPosition() const { return inputStart + static_cast<long long>(inputPosition); }
+
+    bool SeekRead(long long position) {
+        if (position >= inputStart && position <= inputStart + static_cast<long long>(inputEnd)) {
+            inputPosition = static_cast<std::size_t>(position - inputStart);
+            return true;
+        }
+        if (!Seek(file, position))
+            return false;
+        inputStart = position;
+        inputPosition = inputEnd = 0;
+        return true;
+    }
+
+    // As fread would: the bytes that came, fewer at the end of the file or on an error.
+    unsigned long long Read(void* buffer, unsigned long long size) {
+        auto* out = static_cast<unsigned char*>(buffer);
+        unsigned long long done = 0;
+        while (done < size) {
+            if (inputPosition == inputEnd && !Refill())
+                break;
+            std::size_t take = static_cast<std::size_t>(
+                std::min<unsigned long long>(size - done, inputEnd - inputPosition));
+            std::memcpy(out + done, input.data() + inputPosition, take);
+            inputPosition += take;
+            done += take;
+        }
+        return done;
+    }
+
+    bool Refill() {
+        input.resize(kInputChunk);
+        inputStart += static_cast<long long>(inputEnd);
+        inputPosition = 0;
+        inputEnd = std::fread(input.data(), 1, kInputChunk, file);
+        return inputEnd > 0;
     }
 
     long long OutputPosition() const { return outputStart + static_cast<long long>(output.size()); }
@@ -229,7 +284,7 @@ struct BQuorvelArchive::State {
         if (auto found = objects.find(key); found != objects.end())
             return found->second;
         auto offset = offsets.find(key);
-        if (key.empty() || !Good() || offset == offsets.end() || !Seek(file, offset->second))
+        if (key.empty() || !Good() || offset == offsets.end() || !SeekRead(offset->second))
             return nullptr;
         BString id, name, className;
         int version = 0;
@@ -278,6 +333,14 @@ struct BQuorvelArchive::State {
             objects[Key(otherKey)] = object;
         if (loadedSet.insert(object.get()).second)
             loaded.push_back(object);
+    }
+
+    void QueueKey(std::string key) {
+        if (key.empty() || objects.contains(key) || laterKeys.contains(key) ||
+            failedKeys.contains(key))
+            return;
+        laterKeys.insert(key);
+        later.push_back(std::move(key));
     }
 
     void LoadLater() {
@@ -386,14 +449,14 @@ SP<BSmartObj> BQuorvelArchive::TakeOut(char const* name) {
 SP<BSmartObj> BQuorvelArchive::QueryObject(void* reference) const {
     if (!reference)
         return nullptr;
-    auto found = m_state->objects.find(Key(BSmartObj::Id(reference)));
+    auto found = m_state->objects.find(NumberKey(reinterpret_cast<std::uintptr_t>(reference)));
     return found == m_state->objects.end() ? nullptr : found->second;
 }
 
 unsigned long long BQuorvelArchive::ReadMemoryBlock(void* buffer, unsigned long long size) {
     if (size == 0 || m_state->mode != READ || !m_state->Good())
         return 0;
-    return std::fread(buffer, 1, size, m_state->file);
+    return m_state->Read(buffer, size);
 }
 
 unsigned long long BQuorvelArchive::WriteMemoryBlock(void const* buffer, unsigned long long size) {
@@ -429,13 +492,7 @@ bool BQuorvelArchive::Force64bitFormat() const {
 }
 
 void BQuorvelArchive::TakeOutLater(BString key) {
-    State& s = *m_state;
-    std::string text = Key(key);
-    if (text.empty() || s.objects.contains(text) || s.laterKeys.contains(text) ||
-        s.failedKeys.contains(text))
-        return;
-    s.laterKeys.insert(text);
-    s.later.push_back(std::move(text));
+    m_state->QueueKey(Key(key));
 }
 
 WString BQuorvelArchive::Path() const {
@@ -452,7 +509,7 @@ void BQuorvelArchive::NoteReference(void* field, unsigned long long number, bool
     if (s.readingFields)
         s.readingFields->push_back(field);
     if (load)
-        TakeOutLater(BSmartObj::Id(number));
+        s.QueueKey(NumberKey(number));
 }
 
 bool BQuorvelArchive::TakeReference(void* field, unsigned long long& number) {
