@@ -282,7 +282,7 @@ struct BQuorvelArchive::State {
             first.Prepend(kClassPrefix);
             second.Prepend(kClassPrefix);
         }
-        if (!(first == name && second == kArchiveClass && application >= version &&
+        if (!(first.Equal(name) && second == kArchiveClass && application >= version &&
               format >= kOldestFormat && format <= kWrittenFormat))
             return false;
         formatVersion = format;

@@ -78,8 +78,12 @@ public:
         archive.WriteIndex(m_parent);
         archive << m_text << m_value;
     }
-    static SP<BSmartObj> Read(BArchive& archive, int) {
-        SP<ArchiveItem> item = new ArchiveItem;
+    static SP<BSmartObj> Read(BArchive& archive, int version) {
+        return ReadAs<ArchiveItem>(archive, version);
+    }
+    template <class T>
+    static SP<BSmartObj> ReadAs(BArchive& archive, int) {
+        SP<ArchiveItem> item = new T;
         archive.ReadObjectRef(item->m_object);
         archive.ReadObjectList(item->m_children);
         archive.ReadObjectList(item->m_tags);

@@ -108,6 +108,40 @@ TEST_F(ObjectArchive, CyclesThroughReferencesLoad) {
     la->m_object = nullptr;
 }
 
+// Resolves in the reverse order of reading, and a field it never read.
+struct BackwardItem : ArchiveItem {
+    void UpdateAssociations(BArchive& archive) override {
+        archive.ResolveIndex(m_parent);
+        archive.ResolveObjectList(m_tags);
+        archive.ResolveObjectList(m_children);
+        archive.ResolveObjectRef(m_object);
+        archive.ResolveObjectRef(m_unread);
+    }
+    SP<BSmartObj> m_unread;
+};
+bool const backwardRegistered = [] {
+    RegisterArchiveCallback("class BackwardItem", &ArchiveItem::ReadAs<BackwardItem>);
+    return true;
+}();
+
+TEST_F(ObjectArchive, ResolvingInAnyOrderFindsEachNumber) {
+    Write(Header() + Record("1", "tree", "class BackwardItem", 3, ItemData(3, {2, 3, 2}, 2, "r")) +
+          Record("2", "", "class ArchiveItem", 3, ItemData(0, {}, 1, "a")) +
+          Record("3", "", "class ArchiveTag", 0, Le32(7)));
+    auto in = Open();
+    SP<BackwardItem> root(in->TakeOut("tree"));
+    ASSERT_TRUE(root);
+    ArchiveItem* a = root->m_children[0];
+    EXPECT_EQ(Text(a), "a");
+    EXPECT_FALSE(root->m_children[1]); // a tag is no item
+    EXPECT_EQ(root->m_children[2].get(), a);
+    EXPECT_EQ(root->m_parent, a);
+    EXPECT_EQ(SP<ArchiveTag>(root->m_object)->m_value, 7);
+    EXPECT_FALSE(root->m_unread);
+    EXPECT_EQ(a->m_parent, root.get());
+    root->m_parent = nullptr;
+}
+
 TEST_F(ObjectArchive, TakeOutByNameAndByHexadecimalId) {
     SP<ArchiveItem> root = Item("0");
     ArchiveItem* last = root;
