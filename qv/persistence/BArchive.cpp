@@ -167,11 +167,8 @@ void BArchive::ReadRef(void* field, bool load) {
         archive->NoteReference(field, number, load);
 }
 
-void BArchive::NoteRefs(std::vector<void*> const& fields,
-                        std::vector<unsigned long long> const& numbers) {
-    auto* archive = dynamic_cast<BQuorvelArchive*>(this);
-    for (std::size_t i = 0; archive && i < fields.size() && i < numbers.size(); ++i)
-        archive->NoteReference(fields[i], numbers[i], true);
+void BArchive::NoteListElement(void* field, unsigned long long number) {
+    static_cast<BQuorvelArchive*>(this)->NoteReference(field, number, true);
 }
 
 SP<BSmartObj> BArchive::Resolve(void* field, bool& noted) {

@@ -253,7 +253,12 @@ struct BQuorvelArchive::State {
     std::size_t inputEnd = 0;
     long long inputStart = 0;
 
-    bool Good() const { return file && !std::ferror(file); }
+    // The stream's error flag, as of the last call that can set it. It is asked for on every
+    // read of a value, and asking the stream takes its lock.
+    bool streamError = false;
+
+    bool Good() const { return file && !streamError; }
+    void NoteStreamState() { streamError = file && std::ferror(file); }
 
     void OpenForWriting(BString const& name, int version) {
         file = OpenFile(path, true);
@@ -328,6 +333,7 @@ struct BQuorvelArchive::State {
                 return false;
         }
         keys.Build(records, numbered);
+        loaded.reserve(records);
         return true;
     }
 
@@ -372,6 +378,7 @@ struct BQuorvelArchive::State {
         inputStart += static_cast<long long>(inputEnd);
         inputPosition = 0;
         inputEnd = std::fread(input.data(), 1, kInputChunk, file);
+        NoteStreamState();
         return inputEnd > 0;
     }
 
@@ -381,6 +388,7 @@ struct BQuorvelArchive::State {
         if (output.empty() || !file)
             return;
         outputStart += static_cast<long long>(std::fwrite(output.data(), 1, output.size(), file));
+        NoteStreamState();
         output.clear();
     }
 
@@ -388,6 +396,7 @@ struct BQuorvelArchive::State {
         if (size >= kOutputChunk) {
             DrainOutput();
             unsigned long long written = std::fwrite(buffer, 1, size, file);
+            NoteStreamState();
             outputStart += static_cast<long long>(written);
             return written;
         }
@@ -412,6 +421,7 @@ struct BQuorvelArchive::State {
         DrainOutput();
         if (Seek(file, field)) {
             std::fwrite(&length, 1, 8, file);
+            NoteStreamState();
             Seek(file, end);
         }
     }
@@ -595,6 +605,7 @@ bool BQuorvelArchive::Flush() {
     s.firstUnwritten = s.pending.size();
     s.DrainOutput();
     std::fflush(s.file);
+    s.NoteStreamState();
     return true;
 }
 
