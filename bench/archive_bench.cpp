@@ -7,6 +7,7 @@
 #include <list>
 #include <map>
 #include <memory>
+#include <qv/core/containers/DList.h>
 #include <qv/persistence/BQuorvelArchive.h>
 #include <string>
 #include <vector>
@@ -21,21 +22,6 @@
 #endif
 
 namespace {
-
-template <class T>
-class List {
-public:
-    int Count() const { return static_cast<int>(m_items.size()); }
-    void AddTail(T const& value) { m_items.push_back(value); }
-    void RemoveAll() { m_items.clear(); }
-    auto begin() { return m_items.begin(); }
-    auto end() { return m_items.end(); }
-    auto begin() const { return m_items.begin(); }
-    auto end() const { return m_items.end(); }
-
-private:
-    std::list<T> m_items;
-};
 
 class BenchNode : public BSmartObj {
 public:
@@ -61,7 +47,7 @@ public:
     }
 
     SP<BSmartObj> m_object;
-    List<SP<BenchNode>> m_children;
+    DList<SP<BenchNode>> m_children;
     BenchNode* m_parent = nullptr;
     WString m_text;
     std::int32_t m_value = 0;

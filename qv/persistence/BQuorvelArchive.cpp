@@ -6,8 +6,9 @@
 #include <qv/core/BError.h>
 #include <qv/persistence/BQuorvelArchive.h>
 #include <qv/persistence/Tupel.h>
+#include <qv/platform/FileSeek.h>
+#include <qv/platform/FileStream.h>
 #include <string>
-#include <sys/types.h>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -37,25 +38,22 @@ void AddClassPrefix(BString& text) {
         text.Prepend(kClassPrefix);
 }
 
-// The file is reached through the C runtime with 64-bit positions. The name goes in its UTF-8
-// form; the mode is always binary.
+// The file is reached through the C runtime, in binary mode, with 64-bit positions.
 std::FILE* OpenFile(WString const& path, bool write) {
-    if (path.IsEmpty())
+    std::FILE* file = nullptr;
+    if (path.IsEmpty() || qv::platform::_wfopen_s(&file, path.CStr(), write ? u"wb" : u"rb") != 0)
         return nullptr;
-    return std::fopen(path.ToUtf8().c_str(), write ? "wb" : "rb");
+    return file;
 }
 
 bool Seek(std::FILE* file, long long position, int origin = SEEK_SET) {
-    return fseeko(file, static_cast<off_t>(position), origin) == 0;
+    return qv::platform::_fseeki64(file, position, origin) == 0;
 }
 
 long long Tell(std::FILE* file) {
-    return static_cast<long long>(ftello(file));
+    return qv::platform::_ftelli64(file);
 }
 
-// What the reader knows of one key (the id text or the name of a record): where its record
-// lies, the object loaded for it, and whether it waits in the later list or failed to load in
-// the running TakeOut.
 struct KeyEntry {
     long long offset = -1;
     SP<BSmartObj> object;

@@ -13,6 +13,7 @@
 #include <unicode/ucol.h>
 #include <unicode/uset.h>
 #include <unicode/ustring.h>
+#include <unicode/uvernum.h>
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define QV_PLAIN_STRLEN 1
@@ -24,6 +25,10 @@
 #endif
 
 namespace qv::platform {
+
+namespace detail {
+unsigned AnsiCodePageGeneration(); // CodePage.cpp
+} // namespace detail
 
 // ---------------------------------------------------------------------------------------------
 // Length
@@ -62,10 +67,11 @@ int lstrlenW(char16_t const* s) {
 
 namespace {
 
-// One collator configuration, immutable once built. Comparisons on many threads share it:
-// ICU's collators are safe for concurrent use as long as nobody changes their attributes, and
-// nothing does after Build. A locale change publishes a new instance; threads still holding the
-// old one finish their comparison with it.
+// One collator configuration, immutable once built and shared by all threads. ICU documents
+// cloning, not sharing, as the way to use one collator on several threads, so each thread
+// compares with its own clones of the two collators here; the rank tables are plain data and
+// shared. A locale change publishes a new instance; threads still holding the old one finish
+// their comparison with it.
 struct Collation {
     UCollator* tertiary = nullptr;
     UCollator* secondary = nullptr;
@@ -92,8 +98,9 @@ struct Collation {
 constexpr char16_t firstFast = 0x20;
 constexpr char16_t lastFast = 0x7E;
 
-// True when the locale has a contraction made only of printable ASCII ("ch" in Czech): such a
-// pair is one collation element and the per-character tables would be wrong.
+// True when the locale has a contraction made only of printable ASCII ("ch" in Czech, "aa" in
+// Danish) or expands a printable ASCII character into several collation elements: then one
+// rank per character would be wrong.
 bool HasAsciiContraction(UCollator const* coll) {
     UErrorCode status = U_ZERO_ERROR;
     USet* contractions = uset_openEmpty();
@@ -101,7 +108,7 @@ bool HasAsciiContraction(UCollator const* coll) {
     ucol_getContractionsAndExpansions(coll, contractions, expansions, true, &status);
     bool found = U_FAILURE(status);
     for (char16_t c = firstFast; !found && c <= lastFast; ++c)
-        found = uset_contains(expansions, c) || uset_contains(contractions, c);
+        found = uset_contains(expansions, c);
     int32_t const items = uset_getItemCount(contractions);
     UChar buffer[64];
     for (int32_t i = 0; !found && i < items; ++i) {
@@ -194,25 +201,58 @@ std::mutex collationMutex;
 std::shared_ptr<Collation const> currentCollation;
 std::atomic<unsigned> collationGeneration{0};
 
-// Each thread keeps the instance it last used and only takes the lock when a locale change
-// has been published since, so a comparison costs one atomic load.
+UCollator* Clone(UCollator const* coll) {
+    UErrorCode status = U_ZERO_ERROR;
+#if U_ICU_VERSION_MAJOR_NUM >= 71
+    UCollator* clone = ucol_clone(coll, &status);
+#else
+    UCollator* clone = ucol_safeClone(coll, nullptr, nullptr, &status);
+#endif
+    return U_SUCCESS(status) ? clone : nullptr;
+}
+
+// Each thread keeps the instance it last used, with its own clones of the collators, and only
+// takes the lock when a locale change has been published since, so a comparison costs one
+// atomic load.
 struct CollationCache {
     unsigned generation = ~0u;
     std::shared_ptr<Collation const> collation;
+    UCollator* tertiary = nullptr;
+    UCollator* secondary = nullptr;
+
+    CollationCache() = default;
+    CollationCache(CollationCache const&) = delete;
+    CollationCache& operator=(CollationCache const&) = delete;
+    ~CollationCache() { CloseClones(); }
+
+    void CloseClones() {
+        if (tertiary != nullptr)
+            ucol_close(tertiary);
+        if (secondary != nullptr)
+            ucol_close(secondary);
+        tertiary = secondary = nullptr;
+    }
 };
 thread_local CollationCache collationCache;
 
-Collation const& CurrentCollation() {
+CollationCache const& CurrentCollation() {
     CollationCache& cache = collationCache;
     unsigned const generation = collationGeneration.load(std::memory_order_acquire);
-    if (cache.collation && cache.generation == generation)
-        return *cache.collation;
-    std::lock_guard lock(collationMutex);
-    if (!currentCollation)
-        currentCollation = Build("");
-    cache.collation = currentCollation;
-    cache.generation = collationGeneration.load(std::memory_order_relaxed);
-    return *cache.collation;
+    if (cache.tertiary != nullptr && cache.generation == generation)
+        return cache;
+    std::shared_ptr<Collation const> shared;
+    {
+        std::lock_guard lock(collationMutex);
+        if (!currentCollation)
+            currentCollation = Build("");
+        shared = currentCollation;
+        cache.generation = collationGeneration.load(std::memory_order_relaxed);
+    }
+    cache.CloseClones();
+    cache.tertiary = Clone(shared->tertiary);
+    cache.secondary = Clone(shared->secondary);
+    cache.collation = std::move(shared);
+    return cache;
 }
 
 int Sign(int v) {
@@ -262,13 +302,14 @@ int FastCompare(Collation const& c, Unit const* a, Unit const* b, bool caseSensi
 int CompareWide(char16_t const* a, char16_t const* b, bool caseSensitive) {
     if (a == nullptr || b == nullptr)
         return (a != nullptr) - (b != nullptr);
-    Collation const& c = CurrentCollation();
+    CollationCache const& cache = CurrentCollation();
+    Collation const& c = *cache.collation;
     if (c.fast) {
         int const r = FastCompare(c, a, b, caseSensitive);
         if (r != 2)
             return r;
     }
-    UCollator const* coll = caseSensitive ? c.tertiary : c.secondary;
+    UCollator const* coll = caseSensitive ? cache.tertiary : cache.secondary;
     return Sign(ucol_strcoll(coll, a, -1, b, -1));
 }
 
@@ -284,7 +325,8 @@ std::u16string FromAnsi(char const* s) {
 int CompareAnsi(char const* a, char const* b, bool caseSensitive) {
     if (a == nullptr || b == nullptr)
         return (a != nullptr) - (b != nullptr);
-    Collation const& c = CurrentCollation();
+    CollationCache const& cache = CurrentCollation();
+    Collation const& c = *cache.collation;
     // Printable ASCII reads the same in every ANSI code page we support.
     if (c.fast) {
         int const r = FastCompare(c, a, b, caseSensitive);
@@ -293,7 +335,7 @@ int CompareAnsi(char const* a, char const* b, bool caseSensitive) {
     }
     std::u16string const wa = FromAnsi(a);
     std::u16string const wb = FromAnsi(b);
-    UCollator const* coll = caseSensitive ? c.tertiary : c.secondary;
+    UCollator const* coll = caseSensitive ? cache.tertiary : cache.secondary;
     return Sign(ucol_strcoll(coll, wa.data(), static_cast<int32_t>(wa.size()), wb.data(),
                              static_cast<int32_t>(wb.size())));
 }
@@ -317,16 +359,22 @@ bool SetCollationLocale(char const* localeName) {
     if (localeName == nullptr)
         localeName = "";
     // ICU opens a collator for any well-formed name, falling back to a parent or the root; a
-    // name it knows nothing about would silently compare as root, so insist on a real match.
+    // name it knows nothing about would silently compare as root, so it is refused.
     if (*localeName != '\0') {
         UErrorCode status = U_ZERO_ERROR;
         UCollator* probe = ucol_open(localeName, &status);
-        if (U_FAILURE(status) || status == U_USING_DEFAULT_WARNING) {
-            if (probe != nullptr)
-                ucol_close(probe);
+        if (U_FAILURE(status))
             return false;
-        }
+        // "de" has no tailoring of its own and opens with a warning, yet is a locale ICU
+        // knows; a name it does not know ends at the root as its valid locale.
+        UErrorCode typeStatus = U_ZERO_ERROR;
+        char const* valid = ucol_getLocaleByType(probe, ULOC_VALID_LOCALE, &typeStatus);
+        bool const known =
+            U_SUCCESS(typeStatus) && valid != nullptr &&
+            (std::strcmp(valid, "root") != 0 || std::strcmp(localeName, "root") == 0);
         ucol_close(probe);
+        if (!known)
+            return false;
     }
     std::shared_ptr<Collation const> next = Build(localeName);
     if (!next)
@@ -353,15 +401,40 @@ inline char16_t Fold(char16_t c) {
     return f <= 0xFFFF ? static_cast<char16_t>(f) : c;
 }
 
-inline char FoldA(char c) {
-    return (c >= 'A' && c <= 'Z') ? static_cast<char>(c + 32) : c;
+// The narrow case-blind searches compare bytes as the characters they stand for in the ANSI
+// code page (in Windows-1252, 0xFF 'ÿ' matches 0x9F 'Ÿ'). Bytes that are no character on
+// their own (UTF-8 lead and trail bytes) only match themselves. Each thread keeps the folded
+// value of every byte for the code page it last saw.
+struct AnsiFoldTable {
+    unsigned generation = ~0u;
+    std::uint32_t key[256] = {};
+};
+thread_local AnsiFoldTable ansiFold;
+
+std::uint32_t const* AnsiFoldKeys() {
+    AnsiFoldTable& t = ansiFold;
+    unsigned const generation = detail::AnsiCodePageGeneration();
+    if (t.generation == generation)
+        return t.key;
+    for (unsigned b = 0; b < 256; ++b) {
+        char const byte = static_cast<char>(b);
+        char16_t unit = 0;
+        if (b < 0x80)
+            t.key[b] = Fold(static_cast<char16_t>(b));
+        else if (MultiByteToWideChar(&byte, 1, &unit, 1) == 1 && unit != 0xFFFD)
+            t.key[b] = Fold(unit);
+        else
+            t.key[b] = 0x10000 + b;
+    }
+    t.generation = generation;
+    return t.key;
 }
 
 template <typename Unit, typename F>
 Unit const* Find(Unit const* s, Unit const* find, F fold) {
     if (s == nullptr || find == nullptr || *find == 0)
         return nullptr;
-    Unit const first = fold(*find);
+    auto const first = fold(*find);
     for (; *s != 0; ++s) {
         if (fold(*s) != first)
             continue;
@@ -380,7 +453,7 @@ template <typename Unit, typename F>
 Unit const* FindChar(Unit const* s, Unit c, F fold) {
     if (s == nullptr)
         return nullptr;
-    Unit const fc = fold(c);
+    auto const fc = fold(c);
     for (; *s != 0; ++s)
         if (fold(*s) == fc)
             return s;
@@ -394,9 +467,18 @@ inline char SameA(char c) {
     return c;
 }
 
+template <typename Search>
+char const* WithAnsiFold(Search search) {
+    std::uint32_t const* keys = AnsiFoldKeys();
+    return search([keys](char c) { return keys[static_cast<unsigned char>(c)]; });
+}
+
 } // namespace
 
+// Unlike the other searches, shlwapi's StrChrW finds the terminator itself, as wcschr does.
 char16_t const* StrChrW(char16_t const* s, char16_t c) {
+    if (s != nullptr && c == 0)
+        return s + lstrlenW(s);
     return FindChar(s, c, Same);
 }
 char16_t const* StrChrIW(char16_t const* s, char16_t c) {
@@ -406,11 +488,13 @@ char16_t const* StrChrIW(char16_t const* s, char16_t c) {
 char16_t const* StrRChrW(char16_t const* s, char16_t const* end, char16_t c) {
     if (s == nullptr)
         return nullptr;
-    char16_t const* last = nullptr;
-    for (char16_t const* p = s; (end == nullptr || p < end) && *p != 0; ++p)
-        if (*p == c)
-            last = p;
-    return last;
+    // With an end, Windows looks at every unit before it, terminator or not.
+    if (end == nullptr)
+        end = s + lstrlenW(s);
+    for (char16_t const* p = end; p != s;)
+        if (*--p == c)
+            return p;
+    return nullptr;
 }
 
 char16_t const* StrStrW(char16_t const* s, char16_t const* find) {
@@ -424,13 +508,17 @@ char const* StrChrA(char const* s, int c) {
     return FindChar(s, static_cast<char>(c), SameA);
 }
 char const* StrChrIA(char const* s, int c) {
-    return FindChar(s, static_cast<char>(c), FoldA);
+    if (s == nullptr || static_cast<char>(c) == 0)
+        return nullptr;
+    return WithAnsiFold([&](auto fold) { return FindChar(s, static_cast<char>(c), fold); });
 }
 char const* StrStrA(char const* s, char const* find) {
     return Find(s, find, SameA);
 }
 char const* StrStrIA(char const* s, char const* find) {
-    return Find(s, find, FoldA);
+    if (s == nullptr || find == nullptr)
+        return nullptr;
+    return WithAnsiFold([&](auto fold) { return Find(s, find, fold); });
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -530,24 +618,70 @@ char16_t ToLowerW(char16_t c) {
     return u <= 0xFFFF ? static_cast<char16_t>(u) : c;
 }
 
+// The runtime classifies by Unicode character type, with the quirks of its Latin-1 table:
+// ª, µ and º count as punctuation, the superscripts ¹ ² ³ as digits, and tab as printable.
+namespace {
+inline bool IsLatin1Punctuation(char16_t c) {
+    return c == 0xAA || c == 0xB5 || c == 0xBA;
+}
+inline bool IsLatin1Superscript(char16_t c) {
+    return c == 0xB2 || c == 0xB3 || c == 0xB9;
+}
+} // namespace
+
 bool IsAlphaW(char16_t c) {
-    return !IsSurrogate(c) && u_isalpha(c);
+    if (c < 0x80)
+        return (c | 32) >= u'a' && (c | 32) <= u'z';
+    if (IsSurrogate(c) || IsLatin1Punctuation(c))
+        return false;
+    // Letters and letter numbers (Ⅰ, 〇); combining marks and circled letters are not.
+    return u_isalpha(c) || u_charType(c) == U_LETTER_NUMBER;
 }
 
 bool IsDigitW(char16_t c) {
-    return !IsSurrogate(c) && u_isdigit(c);
+    if (c < 0x80)
+        return c >= u'0' && c <= u'9';
+    return !IsSurrogate(c) && (u_isdigit(c) || IsLatin1Superscript(c));
 }
 
 bool IsAlnumW(char16_t c) {
     return IsAlphaW(c) || IsDigitW(c);
 }
 
+// Printable is what the runtime calls blank, punctuation, letter or digit: so tab counts, and
+// the soft hyphen (punctuation in its Latin-1 table), but combining marks, the typographic
+// spaces and number forms that are no digit (⁰, ①) do not.
 bool IsPrintW(char16_t c) {
-    return !IsSurrogate(c) && u_isprint(c);
+    if (c < 0x80)
+        return c == u'\t' || (c >= 0x20 && c < 0x7F);
+    if (c == 0xA0 || c == 0xAD || c == 0x3000)
+        return true;
+    if (IsAlphaW(c) || IsDigitW(c))
+        return true;
+    switch (u_charType(c)) {
+    case U_CONNECTOR_PUNCTUATION:
+    case U_DASH_PUNCTUATION:
+    case U_START_PUNCTUATION:
+    case U_END_PUNCTUATION:
+    case U_INITIAL_PUNCTUATION:
+    case U_FINAL_PUNCTUATION:
+    case U_OTHER_PUNCTUATION:
+    case U_MATH_SYMBOL:
+    case U_CURRENCY_SYMBOL:
+    case U_MODIFIER_SYMBOL:
+    case U_OTHER_SYMBOL:
+        return true;
+    default:
+        return IsLatin1Punctuation(c);
+    }
 }
 
+// Tab to carriage return and the Unicode space separators (no-break ones included), but not
+// NEL (U+0085), the zero-width space or the byte order mark.
 bool IsSpaceW(char16_t c) {
-    return !IsSurrogate(c) && u_isspace(c);
+    if (c < 0x80)
+        return c == u' ' || (c >= u'\t' && c <= u'\r');
+    return !IsSurrogate(c) && u_isJavaSpaceChar(c);
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -1,8 +1,14 @@
-// The C runtime's 16-bit character functions on a FILE *, for streams of any mode. On Windows
-// the runtime remembers how a stream was opened ("rb", "rt", "wt,ccs=UTF-16LE" ...) and reads
-// and writes wide characters accordingly; here the platform's file layer keeps that mode for
-// the streams it opens. A stream opened elsewhere counts as binary: a unit is two bytes,
-// little-endian, as MSVC reads wide characters from a binary stream.
+// The C runtime's 16-bit character functions on a FILE *, for streams of any mode, as the MSVC
+// runtime reads and writes wide characters for the mode a stream was opened with:
+// - a Unicode text stream of FileStream.h ("ccs=", with a UTF-16LE or UTF-8 file): the layer
+//   under stdio already presents UTF-16LE units with CR LF folded, so a unit is two bytes;
+// - an ANSI text stream of FileStream.h ("rt", "wt", "at", or "ccs=UNICODE" on an existing
+//   file without byte order mark): a unit is one byte, CR LF folded, converted as the runtime's
+//   default "C" locale converts: a byte is the character of its value, and a character above
+//   0xFF cannot be written;
+// - any other stream, opened in binary mode or outside FileStream.h: a unit is two bytes,
+//   little-endian.
+// Formatted wide writes are a WString formatted in memory and written with fputws16.
 #pragma once
 
 #include <cstdio>

@@ -65,7 +65,8 @@ TEST(SP, OwnsAndDestroysThroughTheBase) {
         EXPECT_EQ(p->RefCount(), 2);
     }
     EXPECT_EQ(p->RefCount(), 1);
-    p = p; // assigning its own pointer keeps it alive
+    SP<BSmartObj>& same = p;
+    p = same; // assigning its own pointer keeps it alive
     p = static_cast<BSmartObj*>(p);
     EXPECT_EQ(base, 0);
     EXPECT_EQ(p->RefCount(), 1);

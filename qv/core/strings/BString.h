@@ -3,12 +3,15 @@
 #pragma once
 
 #include <concepts>
+#include <iosfwd>
 #include <qv/core/strings/StringBase.h>
 
 class BString : public StringBase<BString, char> {
 public:
     using StringBase::StringBase;
     using StringBase::operator=;
+    using StringBase::FRead;
+    using StringBase::FWrite;
 
     BString() noexcept = default;
     // Wide text converted to the ANSI code page; null or empty gives null.
@@ -23,6 +26,10 @@ public:
     char operator[](I index) const {
         return m_block->Text()[index];
     }
+
+    // The binary record of FRead(FILE *) and FWrite(FILE *) on a C++ stream.
+    bool FRead(std::istream& stream);
+    bool FWrite(std::ostream& stream) const;
 
     static char const* const static_empty_str;
 };

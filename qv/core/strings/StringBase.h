@@ -11,9 +11,12 @@
 
 #include <atomic>
 #include <concepts>
+#include <cstdarg>
 #include <cstdint>
+#include <cstdio>
 #include <qv/core/strings/StringTraits.h>
 #include <string_view>
+#include <type_traits>
 
 template <class Unit>
 struct SharedString {
@@ -60,9 +63,11 @@ public:
     // Comparison.
     bool Equal(S const& other) const;
     bool Equal(Unit const* text) const;
-    bool operator==(S const& other) const { return Equal(other); }
-    bool operator==(Unit const* text) const { return Equal(text); }
-    bool operator<(S const& other) const { return Traits::Less(CStr(), other.CStr()); }
+    // Hidden friends rather than members: with a member, the rewritten reversed form of
+    // a == b is an equally good candidate and C++20 calls the comparison ambiguous.
+    friend bool operator==(S const& a, S const& b) { return a.Equal(b); }
+    friend bool operator==(S const& a, Unit const* text) { return a.Equal(text); }
+    friend bool operator<(S const& a, S const& b) { return Traits::Less(a.CStr(), b.CStr()); }
     int Cmp(S const& other) const { return Traits::Cmp(CStr(), other.CStr()); }
     int Cmp(Unit const* text) const { return Traits::Cmp(CStr(), text ? text : EmptyText()); }
     int ICmp(S const& other) const { return Traits::ICmp(CStr(), other.CStr()); }
@@ -156,7 +161,72 @@ public:
     S Lower() const;
     S Upper() const;
 
+    // Numbers, formatted text, visible forms and file forms (StringFormats.cpp).
+    //
+    // AtoI and AtoF read the leading number as the MSVC runtime's atoi and atof do; 0 when
+    // there is none.
+    int AtoI() const;
+    double AtoF() const;
+    // The digits of value in radix 2 to 36 (negative with a sign only in radix 10); a bad
+    // radix leaves the string as it was.
+    S& ItoA(long long value, int radix = 10);
+    static S FromInt(long long value);
+    // The whole text must be the number, white space around it allowed. The target is written
+    // by the scan even when the result is false.
+    bool Convert(float& value) const;
+    bool Convert(double& value) const;
+    // BString: decimal, else hexadecimal. WString: a floating-point number rounded half away
+    // from zero and saturated to the int range, else hexadecimal. So "ff" gives 255.
+    bool Convert(int& value) const;
+
+    // Formats as the MSVC runtime's vsnprintf_s does (qv/platform/WideFormat.h), first into a
+    // fixed buffer and, when the text is longer, into heap buffers of 32768 elements and more.
+    // A null format clears the string. Strings of either class may be passed directly; they
+    // go in as their text.
+    template <class... Args>
+    void Printf(Unit const* format, Args const&... args) {
+        PrintfArgs(format, PassArg(args)...);
+    }
+    void VPrintf(Unit const* format, va_list args);
+
+    // Every character visible: \n \t \r and \\ for line feed, tab, carriage return and
+    // backslash, \xhh for the others that need escaping. Shares the block when nothing does.
+    S Printable() const;
+    // Undoes the escapes of Printable from left to right in one pass; \x without two
+    // hexadecimal digits behind it disappears with what follows it, up to four characters.
+    void ResolveEsc();
+
+    // The binary record: length n and its complement as 32-bit little-endian words, n units
+    // (little-endian), a zero unit. FRead refuses a bad header and leaves the string; a short
+    // read or a non-zero terminator clears it.
+    bool FRead(std::FILE* stream);
+    bool FWrite(std::FILE* stream) const;
+    // Reads one line in pieces of 511 characters and drops the line feeds at its end; false
+    // only without a stream or when the end of the file was flagged before.
+    bool ReadLn(std::FILE* stream);
+
 protected:
+    void PrintfArgs(Unit const* format, ...);
+    // What a Printf argument passes through the C variable arguments: the text of a string,
+    // the value of anything that can travel there.
+    template <class T>
+    static auto PassArg(T const& value) {
+        if constexpr (requires { value.View(); })
+            return value.CStr();
+        else if constexpr (std::is_array_v<T>)
+            return static_cast<std::remove_extent_t<T> const*>(value);
+        else {
+            static_assert(std::is_trivially_copyable_v<T>,
+                          "Printf takes numbers, characters, pointers and strings");
+            return value;
+        }
+    }
+    // The record's reading and writing over any byte stream; read returns the bytes it got.
+    using RecordRead = std::size_t (*)(void* stream, void* data, std::size_t bytes);
+    using RecordWrite = bool (*)(void* stream, void const* data, std::size_t bytes);
+    bool ReadRecord(RecordRead read, void* stream);
+    bool WriteRecord(RecordWrite write, void* stream) const;
+
     using Block = SharedString<Unit>;
 
     // The one constant empty text of this width, handed out for a null string.

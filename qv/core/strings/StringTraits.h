@@ -16,6 +16,12 @@ struct StringTraits<char> {
     using CharArg = int;
     static constexpr unsigned long long kNotFound = 65535;
     static constexpr bool kReplaceSameCharAlwaysTrue = false;
+    // Printf's fixed buffer (the limit is one less); when the heap retry cannot allocate, the
+    // old text stays.
+    static constexpr std::size_t kPrintfBuffer = 16385;
+    static constexpr bool kPrintfKeepsTextOnFailure = true;
+    // Convert(int &) reads a decimal integer before it tries hexadecimal.
+    static constexpr bool kConvertIntRounds = false;
 
     static std::size_t Length(char const* s) { return std::strlen(s); }
     static int Cmp(char const* a, char const* b) { return qv::platform::lstrcmpA(a, b); }
@@ -42,6 +48,10 @@ struct StringTraits<char> {
     static bool IsPrint(char c) { return qv::platform::IsPrintA(c); }
     static char ToLower(char c) { return qv::platform::ToLowerA(c); }
     static char ToUpper(char c) { return qv::platform::ToUpperA(c); }
+    // Printable escapes every byte of 0x80 and above, whatever the code page calls printable.
+    static bool NeedsEscape(char c) {
+        return c == '\\' || static_cast<unsigned char>(c) >= 0x80 || !IsPrint(c);
+    }
 };
 
 // WString: UTF-16 units. Every comparison, equality included, goes through the locale rule of
@@ -51,6 +61,13 @@ struct StringTraits<char16_t> {
     using CharArg = char16_t;
     static constexpr unsigned long long kNotFound = ~0ull;
     static constexpr bool kReplaceSameCharAlwaysTrue = true;
+    // Printf's fixed buffer (the limit is one less). The old text is gone once the fixed buffer
+    // has failed, so a failed heap retry leaves the string empty.
+    static constexpr std::size_t kPrintfBuffer = 4097;
+    static constexpr bool kPrintfKeepsTextOnFailure = false;
+    // Convert(int &) reads a floating-point number, rounds it half away from zero and
+    // saturates it, before it tries hexadecimal.
+    static constexpr bool kConvertIntRounds = true;
 
     static std::size_t Length(char16_t const* s) {
         return static_cast<std::size_t>(qv::platform::lstrlenW(s));
@@ -89,4 +106,6 @@ struct StringTraits<char16_t> {
     static bool IsPrint(char16_t c) { return qv::platform::IsPrintW(c); }
     static char16_t ToLower(char16_t c) { return qv::platform::ToLowerW(c); }
     static char16_t ToUpper(char16_t c) { return qv::platform::ToUpperW(c); }
+    // Printable escapes what iswprint rejects; the escape shows the low 8 bits only.
+    static bool NeedsEscape(char16_t c) { return c == u'\\' || !IsPrint(c); }
 };

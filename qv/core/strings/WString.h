@@ -47,6 +47,13 @@ public:
     static char AsChar(char16_t unit);
     static int ICmpForQSort(void const* a, void const* b);
 
+    // Memory images: each byte becomes two units, high nibble first, each nibble n the unit
+    // 0x30 + n (so the digits run from '0' to '?'). This is not hexadecimal. Decoding wants
+    // exactly 2n units and stops with false at the first unit outside 0x30 to 0x3F, the bytes
+    // before it written.
+    void EncodeMemory(void const* data, unsigned long long n);
+    bool DecodeMemory(void* data, unsigned long long n) const;
+
     struct ILess {
         bool operator()(WString const& a, WString const& b) const { return a.ICmp(b) < 0; }
     };

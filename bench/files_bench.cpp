@@ -1,0 +1,126 @@
+// Reading a 50 MB UTF-16LE text file line by line through BFile and the 16-bit stream functions
+// (as WString::ReadLn reads: pieces of up to 511 units appended to a WString), against
+// std::ifstream and std::getline on the same lines in UTF-8. BM_BFileUtf16Pieces shows the
+// stream layer's share: the reads alone, without building lines in a WString.
+#include <benchmark/benchmark.h>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <qv/core/files/BFile.h>
+#include <qv/core/strings/WString.h>
+#include <qv/platform/WideStream.h>
+#include <string>
+
+namespace {
+
+constexpr std::size_t kUtf16Bytes = 50u << 20;
+
+// The two files, made once in a temporary directory and removed at exit.
+struct Files {
+    std::string dir;
+    std::u16string utf16;
+    std::string utf8;
+    long long lines = 0;
+
+    Files() {
+        std::string pattern = (std::filesystem::temp_directory_path() / "qvbenchXXXXXX").string();
+        dir = ::mkdtemp(pattern.data()) ? pattern : ".";
+        utf8 = dir + "/lines.utf8";
+        std::string const path16 = dir + "/lines.utf16";
+        utf16.assign(path16.begin(), path16.end());
+        BFile out(utf16.c_str(), u"wt,ccs=UTF-16LE");
+        std::ofstream out8(utf8, std::ios::binary);
+        std::size_t written = 2;
+        for (unsigned i = 0; written < kUtf16Bytes; ++i) {
+            // Lines of 20 to 139 characters, some beyond Latin-1, a few longer than a piece.
+            std::u16string line =
+                u"$KEY_" + std::u16string(i % 7 == 0 ? 600 : 20 + i % 120, u'a' + i % 26);
+            line += i % 3 == 0 ? u"\t\u00FCber \u20AC" : u"\tplain";
+            WString const w(line);
+            std::string const l8 = w.ToUtf8();
+            qv::platform::fputws16((line + u"\n").c_str(), out);
+            out8 << l8 << '\n';
+            written += (line.size() + 2) * 2;
+            ++lines;
+        }
+    }
+    ~Files() { std::filesystem::remove_all(dir); }
+};
+
+Files const& TheFiles() {
+    static Files const files;
+    return files;
+}
+
+// One line as ReadLn reads it: pieces of at most 511 units until one is short or ends in a
+// line feed; the line feeds at the end are removed. Returns the line's length, -1 at the end.
+long long ReadLine(std::FILE* f, WString& line, char16_t (&piece)[512]) {
+    if (std::feof(f))
+        return -1;
+    line.CutAt(0); // emptied, keeping its block
+    std::size_t length = 0;
+    while (qv::platform::fgetws16(piece, 512, f)) {
+        line += piece;
+        std::size_t const n = std::char_traits<char16_t>::length(piece);
+        length += n;
+        if (n < 511 || piece[n - 1] == u'\n')
+            break;
+    }
+    while (length > 0 && line[length - 1] == u'\n')
+        --length;
+    line.CutAt(length);
+    return static_cast<long long>(length);
+}
+
+void BM_BFileUtf16ReadLn(benchmark::State& state) {
+    Files const& files = TheFiles();
+    long long units = 0;
+    for (auto _ : state) {
+        BFile in(files.utf16.c_str(), u"r,ccs=UTF-16LE");
+        WString line;
+        char16_t piece[512];
+        long long count = 0;
+        for (long long n; (n = ReadLine(in, line, piece)) >= 0; ++count)
+            units += n;
+        benchmark::DoNotOptimize(units);
+        state.counters["lines"] = static_cast<double>(count);
+    }
+    state.SetBytesProcessed(static_cast<long long>(state.iterations()) * kUtf16Bytes);
+}
+
+// The stream layer alone: the same reads into the piece buffer, without building lines.
+void BM_BFileUtf16Pieces(benchmark::State& state) {
+    Files const& files = TheFiles();
+    for (auto _ : state) {
+        BFile in(files.utf16.c_str(), u"r,ccs=UTF-16LE");
+        char16_t piece[512];
+        long long count = 0;
+        while (qv::platform::fgetws16(piece, 512, in))
+            ++count;
+        benchmark::DoNotOptimize(count);
+    }
+    state.SetBytesProcessed(static_cast<long long>(state.iterations()) * kUtf16Bytes);
+}
+
+void BM_IfstreamUtf8Getline(benchmark::State& state) {
+    Files const& files = TheFiles();
+    long long bytes = 0;
+    for (auto _ : state) {
+        std::ifstream in(files.utf8, std::ios::binary);
+        std::string line;
+        long long count = 0;
+        while (std::getline(in, line)) {
+            bytes += static_cast<long long>(line.size());
+            ++count;
+        }
+        benchmark::DoNotOptimize(bytes);
+        state.counters["lines"] = static_cast<double>(count);
+    }
+    state.SetBytesProcessed(static_cast<long long>(state.iterations()) * kUtf16Bytes);
+}
+
+} // namespace
+
+BENCHMARK(BM_BFileUtf16ReadLn)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_BFileUtf16Pieces)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_IfstreamUtf8Getline)->Unit(benchmark::kMillisecond);

@@ -1,0 +1,31 @@
+// BDictionaryItemBase: the base of a BDictionary's items. Its one virtual operation gives the
+// hash of the item's key, so that a table reaches the hash through the item and a key type
+// needs nothing of its own. The hashes of the library's key types live here.
+#pragma once
+
+#include <cstdint>
+#include <qv/core/SP.h>
+
+class WString;
+class BString;
+
+class BDictionaryItemBase {
+public:
+    virtual unsigned long long Hash() const = 0;
+
+    // The first 8 units at most: h = h * 5 + unit. Keys that share those units share a bucket.
+    static unsigned long long HashKey(WString const& key);
+    // The first 5 characters at most, each taken as a signed byte: h = h * 33 + character.
+    static unsigned long long HashKey(BString const& key);
+    // The object's address: SP keys are equal by identity.
+    template <class T>
+    static unsigned long long HashKey(SP<T> const& key) {
+        return reinterpret_cast<std::uintptr_t>(key.get());
+    }
+
+protected:
+    BDictionaryItemBase() = default;
+    BDictionaryItemBase(BDictionaryItemBase const&) = default;
+    BDictionaryItemBase& operator=(BDictionaryItemBase const&) = default;
+    ~BDictionaryItemBase() = default;
+};

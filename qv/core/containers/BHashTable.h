@@ -1,0 +1,171 @@
+// BHashTable<Item>: a chained hash table whose buckets are BArrays. The bucket count is fixed
+// at construction from the expected number of items and never changes: there is no rehashing.
+//
+// Iteration runs bucket by bucket and, within a bucket, in the order of addition. Callers can
+// see that order, so the bucket arithmetic below is kept exactly as it has always been: a table
+// of 1000 expected items has 37 buckets, one of 250000 has 9277.
+//
+// Item provides `unsigned long long Hash() const` and `bool SameKey(Item const&) const`.
+#pragma once
+
+#include <cstdint>
+#include <iterator>
+#include <memory>
+#include <qv/core/containers/BArray.h>
+#include <utility>
+
+template <class Item>
+class BHashTable {
+public:
+    // A place in the table: the table, a bucket index and an item index. The end is reached
+    // when the bucket index reaches the bucket count.
+    template <class V>
+    class Iterator {
+    public:
+        using iterator_category = std::forward_iterator_tag;
+        using value_type = Item;
+        using difference_type = std::ptrdiff_t;
+        using pointer = V*;
+        using reference = V&;
+
+        Iterator() = default;
+        V& operator*() const { return m_table->m_buckets[m_bucket][m_item]; }
+        V* operator->() const { return &**this; }
+        Iterator& operator++() {
+            ++m_item;
+            SkipEmpty();
+            return *this;
+        }
+        Iterator operator++(int) {
+            Iterator old = *this;
+            ++*this;
+            return old;
+        }
+        bool operator==(Iterator const& other) const = default;
+        bool AtEnd() const { return m_bucket >= m_table->m_bucket_count; }
+
+    private:
+        friend class BHashTable;
+        Iterator(BHashTable const* table, std::uint64_t bucket) : m_table(table), m_bucket(bucket) {
+            SkipEmpty();
+        }
+        // Moves on to the next item that exists, bucket by bucket.
+        void SkipEmpty() {
+            while (m_bucket < m_table->m_bucket_count &&
+                   m_item >= m_table->m_buckets[m_bucket].Count()) {
+                ++m_bucket;
+                m_item = 0;
+            }
+        }
+        BHashTable const* m_table = nullptr;
+        std::uint64_t m_bucket = 0;
+        std::uint64_t m_item = 0;
+    };
+    using iterator = Iterator<Item>;
+    using const_iterator = Iterator<Item const>;
+
+    explicit BHashTable(unsigned long long expected = 0)
+        : m_bucket_count(BucketCountFor(expected)),
+          m_buckets(MakeBuckets(m_bucket_count, StepFor(expected))) {}
+    BHashTable(BHashTable const& other)
+        : m_bucket_count(other.m_bucket_count), m_item_count(other.m_item_count),
+          m_buckets(MakeBuckets(m_bucket_count, 0, other.m_buckets)) {}
+    BHashTable& operator=(BHashTable const& other) {
+        BHashTable copy(other);
+        std::swap(m_bucket_count, copy.m_bucket_count);
+        std::swap(m_item_count, copy.m_item_count);
+        std::swap(m_buckets, copy.m_buckets);
+        return *this;
+    }
+    virtual ~BHashTable() { delete[] m_buckets; }
+
+    // Stores item. An item with an equal key is overwritten (key and value) and the result is
+    // false; otherwise the item is added to its bucket and the result is true.
+    bool Set(Item const& item) {
+        BArray<Item>& bucket = BucketOf(item);
+        if (Item* found = FindIn(bucket, item)) {
+            *found = item;
+            return false;
+        }
+        bucket.Add(item);
+        ++m_item_count;
+        return true;
+    }
+    Item* Find(Item const& probe) const { return FindIn(BucketOf(probe), probe); }
+    bool Contains(Item const& probe) const { return Find(probe) != nullptr; }
+    bool Remove(Item const& probe) {
+        BArray<Item>& bucket = BucketOf(probe);
+        for (std::uint64_t i = 0; i < bucket.Count(); ++i) {
+            if (bucket[i].SameKey(probe)) {
+                bucket.RemoveAt(i, 1);
+                --m_item_count;
+                return true;
+            }
+        }
+        return false;
+    }
+
+    unsigned long long Count() const { return m_item_count; }
+    unsigned long long BucketCount() const { return m_bucket_count; }
+    BArray<Item> const& Bucket(unsigned long long index) const { return m_buckets[index]; }
+
+    iterator begin() { return iterator(this, 0); }
+    iterator end() { return iterator(this, m_bucket_count); }
+    const_iterator begin() const { return const_iterator(this, 0); }
+    const_iterator end() const { return const_iterator(this, m_bucket_count); }
+
+    // The growth step of each bucket: 30 for tables expecting more than 249 items, else 15.
+    static unsigned long long StepFor(unsigned long long expected) {
+        return expected > 249 ? 30 : 15;
+    }
+    // Sized so that a bucket holds about step x 0.9 items at the expected count; the count is
+    // a prime, computed in single precision as it always was.
+    static unsigned long long BucketCountFor(unsigned long long expected);
+
+private:
+    // Empty buckets with the given step, or copies of the source's buckets.
+    static BArray<Item>* MakeBuckets(std::uint64_t count, std::uint64_t step,
+                                     BArray<Item> const* source = nullptr) {
+        std::unique_ptr<BArray<Item>[]> buckets(new BArray<Item>[count]);
+        for (std::uint64_t i = 0; i < count; ++i) {
+            buckets[i].SetStep(source ? source[i].Step() : step);
+            if (source)
+                buckets[i] = source[i];
+        }
+        return buckets.release();
+    }
+    BArray<Item>& BucketOf(Item const& item) const {
+        return m_buckets[item.Hash() % m_bucket_count];
+    }
+    static Item* FindIn(BArray<Item>& bucket, Item const& probe) {
+        for (Item& stored : bucket)
+            if (stored.SameKey(probe))
+                return &stored;
+        return nullptr;
+    }
+    static bool IsOddPrime(std::uint64_t n) {
+        for (std::uint64_t d = 3; d <= n / d; d += 2)
+            if (n % d == 0)
+                return false;
+        return true;
+    }
+
+    std::uint64_t m_bucket_count;
+    std::uint64_t m_item_count = 0;
+    BArray<Item>* m_buckets;
+};
+
+template <class Item>
+unsigned long long BHashTable<Item>::BucketCountFor(unsigned long long expected) {
+    if (expected <= 50)
+        return 2;
+    float per_bucket = static_cast<float>(StepFor(expected)) * 0.9f;
+    auto n = static_cast<std::uint64_t>(static_cast<float>(expected) / per_bucket);
+    if (n <= 2)
+        return 2;
+    if (n % 2 == 0)
+        ++n;
+    while (!IsOddPrime(n))
+        n += 2;
+    return n;
+}

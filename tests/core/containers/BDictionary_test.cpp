@@ -1,0 +1,118 @@
+#include <gtest/gtest.h>
+#include <qv/core/BSmartObj.h>
+#include <qv/core/containers/BDictionary.h>
+#include <qv/core/containers/BMap.h>
+#include <qv/core/strings/BString.h>
+#include <qv/core/strings/WString.h>
+#include <vector>
+
+namespace {
+
+TEST(BHashTable, BucketCountsFollowTheExpectedCount) {
+    using Table = BDictionary<BString, int>;
+    struct Row {
+        unsigned long long expected, buckets, step;
+    };
+    for (Row r : {Row{0, 2, 15}, Row{50, 2, 15}, Row{51, 3, 15}, Row{100, 7, 15}, Row{249, 19, 15},
+                  Row{250, 11, 30}, Row{1000, 37, 30}, Row{250000, 9277, 30}}) {
+        Table t(r.expected);
+        EXPECT_EQ(t.BucketCount(), r.buckets) << r.expected;
+        EXPECT_EQ(t.Bucket(0).Step(), r.step) << r.expected;
+    }
+}
+
+TEST(BHashTable, KeyHashesMatchTheStoredFormula) {
+    // 'a' = 97: 97*5 + 98 for WString, 97*33 + 98 for BString.
+    EXPECT_EQ(BDictionaryItemBase::HashKey(WString(u"ab")), 97u * 5 + 98);
+    EXPECT_EQ(BDictionaryItemBase::HashKey(BString("ab")), 97u * 33 + 98);
+    // Bytes count as signed: 0xFF is -1 and wraps the unsigned arithmetic.
+    EXPECT_EQ(BDictionaryItemBase::HashKey(BString("\xff")), ~0ull);
+    EXPECT_EQ(BDictionaryItemBase::HashKey(WString(u"abcdefgh")),
+              BDictionaryItemBase::HashKey(WString(u"abcdefghXYZ")));
+    EXPECT_EQ(BDictionaryItemBase::HashKey(BString("abcde")),
+              BDictionaryItemBase::HashKey(BString("abcdeXYZ")));
+    EXPECT_EQ(BDictionaryItemBase::HashKey(WString()), 0u);
+}
+
+TEST(BDictionary, KeysSharingTheHashedPrefixStayApart) {
+    BDictionary<WString, int> w(1000);
+    EXPECT_TRUE(w.Set(u"prefix__one", 1));
+    EXPECT_TRUE(w.Set(u"prefix__two", 2));
+    EXPECT_FALSE(w.Set(u"prefix__one", 11));
+    EXPECT_EQ(w.Count(), 2u);
+    EXPECT_EQ(w.Find(u"prefix__one")->m_value, 11);
+    EXPECT_EQ(w.Find(u"prefix__two")->m_value, 2);
+    EXPECT_EQ(w.Find(u"prefix__"), nullptr);
+
+    BDictionary<BString, long long> b(250000);
+    b.Set("tableA", 1);
+    b.Set("tableB", 2);
+    EXPECT_TRUE(b.Remove("tableA"));
+    EXPECT_FALSE(b.Remove("tableA"));
+    EXPECT_FALSE(b.Contains("tableA"));
+    EXPECT_EQ(b.Find("tableB")->m_value, 2);
+    EXPECT_EQ(b.Count(), 1u);
+}
+
+// Seven buckets; a one-letter key hashes to its code: a 97 % 7 = 6, b 0, c 1, h 6, i 0.
+// (Control characters would not do as keys: the locale rule of WString ignores them.)
+std::vector<int> ValuesInOrder(BDictionary<WString, int> const& t) {
+    std::vector<int> out;
+    for (auto const& item : t)
+        out.push_back(item.m_value);
+    return out;
+}
+
+TEST(BDictionary, IterationRunsInBucketOrderThenInOrderOfAddition) {
+    BDictionary<WString, int> t(100);
+    for (char16_t c : std::u16string_view(u"hcaib"))
+        t.Set(WString(std::u16string_view(&c, 1)), c);
+    EXPECT_EQ(ValuesInOrder(t), (std::vector<int>{'i', 'b', 'c', 'h', 'a'}));
+    EXPECT_EQ(ValuesInOrder(BDictionary<WString, int>(t)), ValuesInOrder(t));
+
+    BDictionary<WString, int> empty(0);
+    EXPECT_EQ(empty.BucketCount(), 2u);
+    EXPECT_EQ(empty.begin(), empty.end());
+}
+
+TEST(BDictionary, RemovingTheOnlyItemOfABucketLeavesTheOthers) {
+    BDictionary<WString, int> t(100);
+    t.Set(u"a", 1);
+    t.Set(u"b", 2);
+    t.Set(u"i", 3);
+    EXPECT_TRUE(t.Remove(u"a"));
+    EXPECT_EQ(t.Find(u"b")->m_value, 2);
+    EXPECT_EQ(t.Find(u"i")->m_value, 3);
+    EXPECT_EQ(ValuesInOrder(t), (std::vector<int>{2, 3}));
+}
+
+TEST(BDictionary, SmartObjectKeysCompareByIdentity) {
+    SP<BSmartObj> a = new BSmartObj, b = new BSmartObj;
+    BDictionary<SP<BSmartObj>, bool> t(250000);
+    t.Set(a, true);
+    EXPECT_TRUE(t.Contains(a));
+    EXPECT_FALSE(t.Contains(b));
+    t.Set(b, false);
+    t.Remove(a);
+    EXPECT_FALSE(t.Contains(a));
+    EXPECT_TRUE(t.Contains(b));
+}
+
+TEST(BMap, KeepsInsertionOrderThroughSetAndRemove) {
+    BMap<unsigned int, WString> m(10);
+    m.Set(3, u"three");
+    m.Set(1, u"one");
+    m.Set(2, u"two");
+    m.Set(1, u"uno");
+    EXPECT_EQ(m.Count(), 3u);
+    EXPECT_EQ(m.Find(1), 1u);
+    EXPECT_EQ(m[1].m_value, u"uno");
+    EXPECT_EQ(m.Find(7), (BMap<unsigned int, WString>::kNotFound));
+    m.RemoveAt(0);
+    std::vector<unsigned int> keys;
+    for (auto& item : m)
+        keys.push_back(item.m_key);
+    EXPECT_EQ(keys, (std::vector<unsigned int>{1, 2}));
+}
+
+} // namespace

@@ -1,0 +1,104 @@
+#include <gtest/gtest.h>
+#include <qv/core/BSmartObj.h>
+#include <qv/core/containers/DList.h>
+#include <vector>
+
+namespace {
+
+template <class T>
+std::vector<T> Values(DList<T> const& list) {
+    return std::vector<T>(list.begin(), list.end());
+}
+
+// Walks back from the tail, so that the prev links are checked as well as the next links.
+template <class T>
+std::vector<T> Backwards(DList<T> const& list) {
+    std::vector<T> out;
+    for (auto pos = list.TailPosition(); pos.IsValid(); pos.Prev())
+        out.insert(out.begin(), *pos);
+    return out;
+}
+
+TEST(DList, HeadAndTailAdditionsKeepBothLinksAndTheCount) {
+    DList<int> list;
+    list.AddHead(2);
+    EXPECT_EQ(list.GetHead(), 2);
+    EXPECT_EQ(list.GetTail(), 2);
+    list.AddTail(3);
+    list.AddHead(1);
+    EXPECT_EQ(Values(list), (std::vector<int>{1, 2, 3}));
+    EXPECT_EQ(Backwards(list), Values(list));
+    EXPECT_EQ(list.Count(), 3);
+
+    DList<int> other;
+    other.AddTail(9);
+    list.AddList(other);
+    list.AddList(list); // adding a list to itself doubles it and stops
+    EXPECT_EQ(list.Count(), 8);
+}
+
+TEST(DList, InsertAfterAndRemoveAtMoveThroughTheList) {
+    DList<int> list;
+    for (int i : {1, 3, 5})
+        list.AddTail(i);
+    auto pos = list.HeadPosition();
+    list.InsertAfter(pos, 2);
+    list.InsertAfter(list.TailPosition(), 6);
+    EXPECT_EQ(Values(list), (std::vector<int>{1, 2, 3, 5, 6}));
+    EXPECT_EQ(Backwards(list), Values(list));
+
+    pos = list.PositionAt(2);
+    list.RemoveAt(pos);
+    ASSERT_TRUE(pos.IsValid());
+    EXPECT_EQ(*pos, 5);
+    EXPECT_EQ(Values(list), (std::vector<int>{1, 2, 5, 6}));
+    EXPECT_FALSE(list.PositionAt(4).IsValid());
+    EXPECT_FALSE(list.PositionAt(-1).IsValid());
+
+    // Positions of another list are refused.
+    DList<int> other;
+    other.AddTail(7);
+    auto foreign = other.HeadPosition();
+    list.RemoveAt(foreign);
+    list.InsertAfter(foreign, 8);
+    EXPECT_EQ(list.Count(), 4);
+    EXPECT_EQ(other.Count(), 1);
+}
+
+TEST(DList, RemovingTheOnlyNodeEmptiesTheList) {
+    DList<int> list;
+    list.AddTail(1);
+    auto pos = list.HeadPosition();
+    list.RemoveAt(pos);
+    EXPECT_FALSE(pos.IsValid());
+    EXPECT_EQ(list.Count(), 0);
+    EXPECT_FALSE(list.HeadPosition().IsValid());
+    EXPECT_FALSE(list.TailPosition().IsValid());
+    list.AddTail(4);
+    EXPECT_EQ(Backwards(list), (std::vector<int>{4}));
+}
+
+struct Probe : BSmartObj {
+    static inline int live = 0;
+    Probe() { ++live; }
+    ~Probe() override { --live; }
+};
+
+TEST(DList, RemovingAndDestroyingReleaseReferences) {
+    Probe::live = 0;
+    {
+        DList<SP<BSmartObj>> list;
+        for (int i = 0; i < 3; ++i)
+            list.AddTail(new Probe);
+        DList<SP<BSmartObj>> copy(list);
+        auto pos = list.HeadPosition();
+        list.RemoveAt(pos);
+        EXPECT_EQ(Probe::live, 3); // the copy still holds all three
+        copy.RemoveAll();
+        EXPECT_EQ(copy.Count(), 0);
+        EXPECT_EQ(Probe::live, 2);
+    }
+    EXPECT_EQ(Probe::live, 0);
+}
+
+} // namespace

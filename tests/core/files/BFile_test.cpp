@@ -1,0 +1,193 @@
+#include "platform/FileTestSupport.h"
+
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <qv/core/files/BFile.h>
+#include <qv/platform/WideStream.h>
+#include <string>
+
+using namespace std::string_literals;
+namespace fs = std::filesystem;
+
+namespace {
+
+std::u16string ReadLine(std::FILE* f) {
+    char16_t buffer[512];
+    return qv::platform::fgetws16(buffer, 512, f) ? buffer : u"<eof>";
+}
+
+void MakeReadOnly(std::string const& path) {
+    fs::permissions(path, fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
+                    fs::perm_options::remove);
+}
+
+} // namespace
+
+TEST(BFile, OpensOnceClosesAndRewinds) {
+    TempDir dir;
+    WriteBytes(dir / "a.txt", "line1\r\nline2\r\n");
+    BFile file;
+    EXPECT_EQ(static_cast<std::FILE*>(file), nullptr);
+    EXPECT_FALSE(file.Rewind());
+    EXPECT_FALSE(file.Open(nullptr, u"rt"));
+    EXPECT_FALSE(file.Open(dir.U("a.txt").c_str(), nullptr));
+    ASSERT_TRUE(file.Open(dir.U("a.txt").c_str(), u"rt"));
+    std::FILE* const stream = file;
+    EXPECT_FALSE(file.Open(dir.U("a.txt").c_str(), u"rb"));
+    EXPECT_FALSE(file.OpenShared(dir.U("a.txt").c_str(), u"rb"));
+    EXPECT_EQ(static_cast<std::FILE*>(file), stream);
+    EXPECT_EQ(ReadLine(file), u"line1\n");
+    EXPECT_TRUE(file.Rewind());
+    EXPECT_EQ(ReadLine(file), u"line1\n");
+    file.Close();
+    EXPECT_EQ(static_cast<std::FILE*>(file), nullptr);
+    file.Close();
+    BFile missing(dir.U("none").c_str(), u"rb");
+    EXPECT_EQ(static_cast<std::FILE*>(missing), nullptr);
+    BFile shared;
+    EXPECT_TRUE(shared.OpenShared(dir.U("a.txt").c_str(), u"r,ccs=UTF-16LE"));
+}
+
+TEST(BFile, EveryModeTheSystemUsesRoundTrips) {
+    TempDir dir;
+    std::u16string const text = u"$KEY\tGr\u00FC\u00DF 100%\nzwei\n";
+    for (char16_t const* mode : {u"wt,ccs=UNICODE", u"wt,ccs=UTF-16LE"}) {
+        {
+            BFile out(dir.U("t.txt").c_str(), mode);
+            ASSERT_EQ(qv::platform::fputws16(text.c_str(), out), 0);
+        }
+        EXPECT_EQ(ReadBytes(dir / "t.txt").substr(0, 4), "\xFF\xFE$\0"s);
+        BFile in(dir.U("t.txt").c_str(), u"r,ccs=UTF-16LE");
+        EXPECT_EQ(ReadLine(in), u"$KEY\tGr\u00FC\u00DF 100%\n");
+        EXPECT_EQ(ReadLine(in), u"zwei\n");
+        EXPECT_EQ(ReadLine(in), u"<eof>");
+        EXPECT_EQ(qv::platform::fgetwc16(in), 0xFFFF);
+    }
+    {
+        BFile log(dir.U("log.txt").c_str(), u"at,ccs=UNICODE");
+        qv::platform::fputws16(u"10:00:00\tStart\trun\n", log);
+    }
+    {
+        BFile log(dir.U("log.txt").c_str(), u"at,ccs=UNICODE");
+        qv::platform::fputws16(u"12\tStep\n", log);
+    }
+    BFile in(dir.U("log.txt").c_str(), u"r,ccs=UTF-16LE");
+    EXPECT_EQ(ReadLine(in), u"10:00:00\tStart\trun\n");
+    EXPECT_EQ(ReadLine(in), u"12\tStep\n");
+    {
+        BFile out(dir.U("a.txt").c_str(), u"wt");
+        qv::platform::fputws16(u"ansi\n", out);
+    }
+    EXPECT_EQ(ReadBytes(dir / "a.txt"), "ansi\r\n");
+}
+
+TEST(BFile, ExistAndKind) {
+    TempDir dir;
+    WriteBytes(dir / "f.txt", "12345");
+    fs::create_directory(dir / "sub");
+    EXPECT_TRUE(BFile::Exist(dir.U("f.txt").c_str()));
+    EXPECT_TRUE(BFile::Exist((dir.U() + u"\\*.TXT").c_str())); // wildcards count as a match
+    EXPECT_FALSE(BFile::Exist(dir.U("none").c_str()));
+    EXPECT_FALSE(BFile::Exist(u""));
+    EXPECT_FALSE(BFile::Exist(nullptr));
+    EXPECT_TRUE(BFile::Exist(dir.U("sub").c_str()));
+    EXPECT_FALSE(BFile::Exist((dir.U("sub") + u"\\").c_str()));
+    EXPECT_FALSE(BFile::Exist((dir.U("sub") + u"/").c_str()));
+    EXPECT_TRUE(BFile::Exist(u"/"));
+
+    EXPECT_TRUE(BFile::IsDirectory(dir.U("sub").c_str()));
+    EXPECT_FALSE(BFile::IsDirectory(dir.U("f.txt").c_str()));
+    EXPECT_FALSE(BFile::IsDirectory(dir.U("none").c_str()));
+    EXPECT_FALSE(BFile::IsDirectory(nullptr));
+    EXPECT_EQ(BFile::Size(dir.U("f.txt").c_str()), 5);
+    EXPECT_EQ(BFile::Size(dir.U("sub").c_str()), -1);
+    EXPECT_EQ(BFile::Size(dir.U("none").c_str()), -1);
+    EXPECT_EQ(BFile::Size(nullptr), -1);
+}
+
+TEST(BFile, IsUnicodeReadsTheByteOrderMark) {
+    TempDir dir;
+    struct Case {
+        char const* bytes;
+        std::size_t size;
+        bool unicode;
+    };
+    Case const cases[] = {{"", 0, false},        {"\xFF", 1, false},        {"\xFF\xFE", 2, true},
+                          {"\xFE\xFF", 2, true}, {"\xEF\xBB\xBF", 3, true}, {"\xEF\xBB", 2, false},
+                          {"abc", 3, false}};
+    for (Case const& c : cases) {
+        WriteBytes(dir / "f", std::string(c.bytes, c.size));
+        EXPECT_EQ(BFile::IsUnicode(dir.U("f").c_str()), c.unicode) << c.size;
+    }
+    EXPECT_FALSE(BFile::IsUnicode(dir.U("none").c_str()));
+    EXPECT_FALSE(BFile::IsUnicode(nullptr));
+}
+
+TEST(BFile, ConvertToUnicodeKeepsPercentSignsAndLineEnds) {
+    TempDir dir;
+    std::string ansi = "[Sensor]\r\nGain=100%\r\nName=Gr\xFC\xDF%s%d\r\n";
+    ansi += std::string(3000, 'x') + "\r\nend";
+    WriteBytes(dir / "s.ini", ansi);
+    EXPECT_EQ(BFile::ConvertToUnicode(dir.U("s.ini").c_str()), 0);
+    std::string expected = "\xFF\xFE";
+    for (unsigned char c : ansi) {
+        expected += static_cast<char>(c);
+        expected += '\0';
+    }
+    EXPECT_EQ(ReadBytes(dir / "s.ini"), expected);
+    // Already Unicode: untouched.
+    EXPECT_EQ(BFile::ConvertToUnicode(dir.U("s.ini").c_str()), 0);
+    EXPECT_EQ(ReadBytes(dir / "s.ini"), expected);
+    WriteBytes(dir / "u8.ini", "\xEF\xBB\xBFkey=1\n");
+    EXPECT_EQ(BFile::ConvertToUnicode(dir.U("u8.ini").c_str()), 0);
+    EXPECT_EQ(ReadBytes(dir / "u8.ini"), "\xEF\xBB\xBFkey=1\n");
+    EXPECT_EQ(BFile::ConvertToUnicode(dir.U("none").c_str()), BFile::kFileError);
+    EXPECT_EQ(BFile::ConvertToUnicode(nullptr), BFile::kFileError);
+    // A zero byte ends its block's text.
+    WriteBytes(dir / "z.txt", "ab\0cd"s);
+    EXPECT_EQ(BFile::ConvertToUnicode(dir.U("z.txt").c_str()), 0);
+    EXPECT_EQ(ReadBytes(dir / "z.txt"), "\xFF\xFE"
+                                        "a\0b\0"s);
+}
+
+TEST(BFile, DeleteByPatternSkipsReadOnlyFilesAndDirectories) {
+    TempDir dir;
+    for (char const* name : {"a.tmp", "b.TMP", "ro.tmp", "keep.txt"})
+        WriteBytes(dir / name, "x");
+    fs::create_directory(dir / "d.tmp");
+    MakeReadOnly(dir / "ro.tmp");
+    EXPECT_EQ(BFile::Delete(WString(dir.U().c_str()) + u"\\*.tmp"), 2);
+    EXPECT_FALSE(fs::exists(dir / "a.tmp"));
+    EXPECT_FALSE(fs::exists(dir / "b.TMP"));
+    EXPECT_TRUE(fs::exists(dir / "ro.tmp"));
+    EXPECT_TRUE(fs::exists(dir / "d.tmp"));
+    EXPECT_TRUE(fs::exists(dir / "keep.txt"));
+    EXPECT_EQ(BFile::Delete(WString(dir.U().c_str()) + u"/*.none"), -1);
+    EXPECT_EQ(BFile::Delete(WString()), 0);
+    // Without a path part the names are taken in the current directory.
+    auto const cwd = fs::current_path();
+    fs::current_path(dir.Path());
+    EXPECT_EQ(BFile::Delete(u"keep.*"), 1);
+    fs::current_path(cwd);
+    EXPECT_FALSE(fs::exists(dir / "keep.txt"));
+}
+
+TEST(BFile, ShortPathNames) {
+    TempDir dir;
+    WriteBytes(dir / "with blank.txt", "");
+    auto const [blank, status] = BFile::GetShortPathNameW(dir.U("with blank.txt").c_str());
+    EXPECT_EQ(std::u16string(blank.View()), dir.U("with blank.txt"));
+    EXPECT_EQ(status, BFile::kShortPathNameExt);
+    auto const missing = BFile::GetShortPathNameW(dir.U("none").c_str());
+    EXPECT_TRUE(missing.first.IsEmpty());
+    EXPECT_EQ(missing.second, BFile::kShortPathNameExt);
+    // Long paths pass with the long-path prefix.
+    std::string deep = dir.Path();
+    while (deep.size() < 300)
+        deep += "/" + std::string(40, 'n');
+    fs::create_directories(deep);
+    std::u16string const deep16(deep.begin(), deep.end());
+    auto const longOne = BFile::GetShortPathNameW(deep16.c_str());
+    EXPECT_EQ(std::u16string(longOne.first.View()), u"\\\\?\\" + deep16);
+    EXPECT_EQ(longOne.second, 0);
+}

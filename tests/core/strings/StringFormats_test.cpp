@@ -1,0 +1,262 @@
+#include <climits>
+#include <cstdio>
+#include <gtest/gtest.h>
+#include <memory>
+#include <qv/core/strings/BString.h>
+#include <qv/core/strings/WString.h>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+TEST(StringFormats, NumbersInAndOut) {
+    EXPECT_EQ(WString(u"  -42abc").AtoI(), -42);
+    EXPECT_EQ(BString("3000000000").AtoI(), INT_MAX);
+    EXPECT_EQ(WString(u"2.5e1").AtoF(), 25.0);
+    EXPECT_EQ(BString().AtoF(), 0.0);
+
+    WString w(u"keep");
+    EXPECT_EQ(w.ItoA(-255, 16), u"ffffffffffffff01");
+    EXPECT_EQ(w.ItoA(-255), u"-255");
+    EXPECT_EQ(w.ItoA(7, 1), u"-255"); // a bad radix leaves the text
+    EXPECT_EQ(BString::FromInt(LLONG_MIN), "-9223372036854775808");
+    EXPECT_EQ(WString::FromInt(0), u"0");
+}
+
+TEST(StringFormats, ConvertOfFloatingPointWantsTheWholeText) {
+    double d = 0;
+    float f = 0;
+    EXPECT_TRUE(WString(u" \t1.5e2 ").Convert(d));
+    EXPECT_EQ(d, 150.0);
+    EXPECT_TRUE(BString("-0.25").Convert(f));
+    EXPECT_EQ(f, -0.25f);
+    EXPECT_FALSE(WString(u"1.5 x").Convert(d));
+    EXPECT_FALSE(BString("1e").Convert(d));
+    EXPECT_FALSE(WString().Convert(d));
+}
+
+TEST(StringFormats, ConvertOfIntegersFollowsEachTwinsRule) {
+    int i = 0;
+    EXPECT_TRUE(BString("10").Convert(i));
+    EXPECT_EQ(i, 10);
+    EXPECT_TRUE(BString(" ff ").Convert(i));
+    EXPECT_EQ(i, 255);
+    EXPECT_TRUE(BString("0x1F").Convert(i));
+    EXPECT_EQ(i, 31);
+    i = 0;
+    EXPECT_FALSE(BString("1.5").Convert(i));
+    EXPECT_EQ(i, 1); // the scan wrote the target
+
+    EXPECT_TRUE(WString(u"1.5").Convert(i));
+    EXPECT_EQ(i, 2);
+    EXPECT_TRUE(WString(u"-1.5").Convert(i));
+    EXPECT_EQ(i, -2);
+    EXPECT_TRUE(WString(u"3000000000").Convert(i));
+    EXPECT_EQ(i, INT_MAX);
+    EXPECT_TRUE(WString(u"-3e9").Convert(i));
+    EXPECT_EQ(i, INT_MIN);
+    EXPECT_TRUE(WString(u"ff").Convert(i));
+    EXPECT_EQ(i, 255);
+    EXPECT_FALSE(WString(u"1.5x").Convert(i));
+    EXPECT_FALSE(WString(u"").Convert(i));
+}
+
+TEST(StringFormats, MemoryImagesRoundTripAndRefuseForeignUnits) {
+    unsigned char bytes[] = {0x00, 0x1F, 0xA5, 0xFF};
+    WString w;
+    w.EncodeMemory(bytes, 4);
+    EXPECT_EQ(w, u"001?:5??");
+    unsigned char back[4] = {};
+    EXPECT_TRUE(w.DecodeMemory(back, 4));
+    EXPECT_EQ(std::vector<unsigned char>(back, back + 4),
+              std::vector<unsigned char>(bytes, bytes + 4));
+
+    EXPECT_FALSE(w.DecodeMemory(back, 3)); // wrong length
+    unsigned char partial[2] = {9, 9};
+    EXPECT_FALSE(WString(u"12G4").DecodeMemory(partial, 2));
+    EXPECT_EQ(partial[0], 0x12);
+    EXPECT_EQ(partial[1], 9);
+    EXPECT_TRUE(WString().DecodeMemory(nullptr, 0));
+    w.EncodeMemory(bytes, 0);
+    EXPECT_TRUE(w.IsEmpty());
+}
+
+TEST(StringFormats, PrintfFormatsWithStringsOfBothClasses) {
+    WString w;
+    w.Printf(u"%s=%d (%S) %.2f", WString(u"x"), 42, BString("n"), 0.126);
+    EXPECT_EQ(w.ToUtf8(), "x=42 (n) 0.13");
+    BString b("old");
+    b.Printf("%s|%5s|%ls", BString("a"), "b", WString(u"w"));
+    EXPECT_EQ(b, "a|    b|w");
+    b.Printf("");
+    EXPECT_EQ(b.CStr(0), nullptr); // an empty result leaves null
+    b = "old";
+    b.Printf(nullptr);
+    EXPECT_EQ(b.CStr(0), nullptr);
+    w = u"old";
+    w.Printf(u"%y");
+    EXPECT_TRUE(w.IsEmpty());
+}
+
+// Text of n characters through %s, so that the result lands at a chosen length.
+template <class S, class Unit>
+void ExpectPrintfLength(std::size_t n) {
+    std::basic_string<Unit> text(n, Unit('a'));
+    S s;
+    Unit const percent_s[] = {'<', '%', 's', '>', 0};
+    s.Printf(percent_s, text.c_str());
+    EXPECT_EQ(s.Length(), n + 2) << n;
+    EXPECT_EQ(s.CStr()[n + 1], Unit('>')) << n;
+}
+
+TEST(StringFormats, PrintfAtAndAcrossItsBufferLimits) {
+    // WString: 4096 in the fixed buffer, then 32768-unit heap buffers doubling.
+    for (std::size_t n : {4094, 4095, 32765, 32766, 70000})
+        ExpectPrintfLength<WString, char16_t>(n);
+    // BString: 16384 in the fixed buffer.
+    for (std::size_t n : {16382, 16383, 32766, 100000})
+        ExpectPrintfLength<BString, char>(n);
+}
+
+TEST(StringFormats, PrintableEscapesWhatCannotBeSeen) {
+    EXPECT_EQ(BString("a\tb\nc\rd\\e\x01\xe9").Printable(), "a\\tb\\nc\\rd\\\\e\\x01\\xe9");
+    EXPECT_EQ(WString(u"\x7f\u0085\u00e9\u263a").Printable(), u"\\x7f\\x85\u00e9\u263a");
+    BString plain("nothing to do");
+    BString same = plain.Printable();
+    EXPECT_EQ(same.CStr(), plain.CStr()); // shares the block
+}
+
+TEST(StringFormats, ResolveEscWorksInOnePassFromTheLeft) {
+    BString b("a\\nb\\rc\\td\\\\n\\x41\\xZZe\\q\\");
+    BString other = b;
+    b.ResolveEsc();
+    EXPECT_EQ(b, "a\nb\rc\td\\nAe\\q\\");
+    EXPECT_EQ(other, "a\\nb\\rc\\td\\\\n\\x41\\xZZe\\q\\");
+    WString w(u"\\x41\\x4");
+    w.ResolveEsc();
+    EXPECT_EQ(w, u"A");
+    WString x(u"x\\x");
+    x.ResolveEsc();
+    EXPECT_EQ(x, u"x");
+    WString empty;
+    empty.ResolveEsc();
+    EXPECT_EQ(empty.CStr(0), nullptr);
+}
+
+using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+File TempFile() {
+    return File(std::tmpfile(), &std::fclose);
+}
+std::vector<unsigned char> Bytes(std::FILE* f) {
+    std::rewind(f);
+    std::vector<unsigned char> out;
+    for (int c; (c = std::fgetc(f)) != EOF;)
+        out.push_back(static_cast<unsigned char>(c));
+    std::rewind(f);
+    return out;
+}
+
+TEST(StringFormats, RecordLayoutAndRoundTrip) {
+    File f = TempFile();
+    ASSERT_TRUE(WString(u"ab").FWrite(f.get()));
+    ASSERT_TRUE(WString().FWrite(f.get()));
+    ASSERT_TRUE(WString(u"\u20ac").FWrite(f.get()));
+    std::vector<unsigned char> expected = {2, 0, 0, 0, 0xFD, 0xFF, 0xFF, 0xFF, 'a',  0,    'b', 0,
+                                           0, 0, 0, 0, 0,    0,    0xFF, 0xFF, 0xFF, 0xFF, 0,   0,
+                                           1, 0, 0, 0, 0xFE, 0xFF, 0xFF, 0xFF, 0xAC, 0x20, 0,   0};
+    EXPECT_EQ(Bytes(f.get()), expected);
+    WString a, b(u"not yet"), c;
+    EXPECT_TRUE(a.FRead(f.get()));
+    EXPECT_TRUE(b.FRead(f.get()));
+    EXPECT_TRUE(c.FRead(f.get()));
+    EXPECT_EQ(a, u"ab");
+    EXPECT_EQ(b.CStr(0), nullptr);
+    EXPECT_EQ(c, u"\u20ac");
+    EXPECT_FALSE(c.FRead(f.get())); // end of file: unchanged
+    EXPECT_EQ(c, u"\u20ac");
+    EXPECT_FALSE(c.FRead(nullptr));
+    EXPECT_FALSE(c.FWrite(nullptr));
+
+    File g = TempFile();
+    ASSERT_TRUE(BString("xyz").FWrite(g.get()));
+    EXPECT_EQ(Bytes(g.get()),
+              (std::vector<unsigned char>{3, 0, 0, 0, 0xFC, 0xFF, 0xFF, 0xFF, 'x', 'y', 'z', 0}));
+}
+
+TEST(StringFormats, DamagedRecordsAreRefused) {
+    auto write = [](std::vector<unsigned char> const& bytes) {
+        File f = TempFile();
+        std::fwrite(bytes.data(), 1, bytes.size(), f.get());
+        std::rewind(f.get());
+        return f;
+    };
+    BString s("kept");
+    File bad_complement = write({2, 0, 0, 0, 0xFD, 0xFF, 0xFF, 0x7F, 'a', 'b', 0});
+    EXPECT_FALSE(s.FRead(bad_complement.get()));
+    EXPECT_EQ(s, "kept");
+    File short_text = write({5, 0, 0, 0, 0xFA, 0xFF, 0xFF, 0xFF, 'a', 'b'});
+    EXPECT_FALSE(s.FRead(short_text.get()));
+    EXPECT_EQ(s.CStr(0), nullptr);
+    s = "kept";
+    File bad_terminator = write({1, 0, 0, 0, 0xFE, 0xFF, 0xFF, 0xFF, 'a', 'b'});
+    EXPECT_FALSE(s.FRead(bad_terminator.get()));
+    EXPECT_TRUE(s.IsEmpty());
+    // A huge length in a small file fails without taking the memory it names.
+    WString w;
+    File huge = write({0xF0, 0xFF, 0xFF, 0xFF, 0x0F, 0, 0, 0, 'a', 0});
+    EXPECT_FALSE(w.FRead(huge.get()));
+}
+
+TEST(StringFormats, BStringRecordsOnCppStreams) {
+    std::stringstream stream;
+    EXPECT_TRUE(BString("one").FWrite(stream));
+    EXPECT_TRUE(BString().FWrite(stream));
+    EXPECT_EQ(stream.str(),
+              std::string("\3\0\0\0\xfc\xff\xff\xffone\0\0\0\0\0\xff\xff\xff\xff\0", 21));
+    BString a, b("x"), c("stays");
+    EXPECT_TRUE(a.FRead(stream));
+    EXPECT_TRUE(b.FRead(stream));
+    EXPECT_FALSE(c.FRead(stream));
+    EXPECT_EQ(a, "one");
+    EXPECT_TRUE(b.IsEmpty());
+    EXPECT_EQ(c, "stays");
+}
+
+TEST(StringFormats, ReadLnTakesLongLinesWholeAndDropsTheirLineFeeds) {
+    std::string a(511, 'a'), b(512, 'b'), c(1100, 'c');
+    File f = TempFile();
+    std::string content = a.substr(0, 510) + "\n" + a + "\n" + b + "\n" + c + "\r\n\n\nlast";
+    std::fputs(content.c_str(), f.get());
+    std::rewind(f.get());
+    BString line;
+    std::vector<std::string> lines;
+    while (line.ReadLn(f.get()))
+        lines.emplace_back(line.CStr());
+    EXPECT_EQ(lines, (std::vector<std::string>{a.substr(0, 510), a, b, c + "\r", "", "", "last"}));
+    EXPECT_FALSE(line.ReadLn(nullptr));
+}
+
+TEST(StringFormats, WStringReadLnReadsUtf16Units) {
+    std::u16string text = std::u16string(511, u'\u00e9') + u"\n" + u"x\n\n";
+    File f = TempFile();
+    for (char16_t u : text) {
+        std::fputc(u & 0xFF, f.get());
+        std::fputc(u >> 8, f.get());
+    }
+    std::rewind(f.get());
+    WString line;
+    ASSERT_TRUE(line.ReadLn(f.get()));
+    EXPECT_EQ(line.View(), std::u16string(511, u'\u00e9'));
+    ASSERT_TRUE(line.ReadLn(f.get()));
+    EXPECT_EQ(line, u"x");
+    ASSERT_TRUE(line.ReadLn(f.get()));
+    EXPECT_TRUE(line.IsEmpty());
+    // The end of the file is not yet flagged: one more read finds nothing and is true.
+    ASSERT_TRUE(line.ReadLn(f.get()));
+    EXPECT_TRUE(line.IsEmpty());
+    EXPECT_NE(line.CStr(0), nullptr); // emptied, but holding a block
+    EXPECT_FALSE(line.ReadLn(f.get()));
+}
+
+} // namespace

@@ -1,0 +1,178 @@
+#include "platform/FileTestSupport.h"
+
+#include <cerrno>
+#include <gtest/gtest.h>
+#include <qv/platform/FileStream.h>
+#include <qv/platform/WideStream.h>
+#include <string>
+
+using namespace qv::platform;
+using namespace std::string_literals;
+
+namespace {
+
+void WriteThrough(TempDir const& dir, char16_t const* mode, std::u16string const& text) {
+    EXPECT_EQ(fputws16(text.c_str(), OpenStream(dir / "w.txt", mode).get()), 0);
+}
+
+// Every unit up to the end, and the end marker itself.
+std::u16string ReadUnits(std::string const& path, char16_t const* mode) {
+    Stream const f = OpenStream(path, mode);
+    std::u16string units;
+    for (int c; (c = fgetwc16(f.get())) != kWEOF;)
+        units.push_back(static_cast<char16_t>(c));
+    EXPECT_EQ(fgetwc16(f.get()), 0xFFFF);
+    return units;
+}
+
+std::string FreadAll(std::string const& path, char16_t const* mode) {
+    std::string out(256, '\0');
+    out.resize(std::fread(out.data(), 1, out.size(), OpenStream(path, mode).get()));
+    return out;
+}
+
+std::string DataFile(char const* name) {
+    return ReadBytes(std::string(QV_TEST_DATA_DIR "/") + name);
+}
+
+} // namespace
+
+TEST(FileStream, Utf16WritingMatchesWindowsByteForByte) {
+    TempDir dir;
+    WriteThrough(dir, u"wt,ccs=UTF-16LE", u"$KEY\tGr\u00FC\u00DF\u20AC 100%\nsecond line\n");
+    EXPECT_EQ(ReadBytes(dir / "w.txt"), DataFile("utf16le_written_by_windows.txt"));
+    WriteThrough(dir, u"wt,ccs=UNICODE", u"a\nb");
+    EXPECT_EQ(ReadBytes(dir / "w.txt"), DataFile("unicode_written_by_windows.txt"));
+}
+
+TEST(FileStream, AppendingWritesOneByteOrderMark) {
+    TempDir dir;
+    for (char16_t const* line : {u"x\n", u"y\n"}) {
+        Stream const f = OpenStream(dir / "log.txt", u"at,ccs=UNICODE");
+        EXPECT_EQ(fputws16(line, f.get()), 0);
+    }
+    EXPECT_EQ(ReadBytes(dir / "log.txt"), DataFile("unicode_appended_by_windows.txt"));
+}
+
+TEST(FileStream, AppendingFollowsTheExistingFilesEncoding) {
+    TempDir dir;
+    WriteBytes(dir / "utf8.txt", "\xEF\xBB\xBFu\n");
+    WriteBytes(dir / "ansi.txt", "ab\r\n");
+    for (char const* name : {"utf8.txt", "ansi.txt"}) {
+        Stream const f = OpenStream(dir / name, u"at,ccs=UNICODE");
+        EXPECT_EQ(fputws16(name[0] == 'u' ? u"\u00FC\n" : u"c\n", f.get()), 0);
+    }
+    EXPECT_EQ(ReadBytes(dir / "utf8.txt"), "\xEF\xBB\xBFu\n\xC3\xBC\r\n");
+    EXPECT_EQ(ReadBytes(dir / "ansi.txt"), "ab\r\nc\r\n");
+}
+
+TEST(FileStream, ReadingFoldsCrLfAndKeepsALoneCr) {
+    TempDir dir;
+    WriteBytes(dir / "a.txt", "\xFF\xFE"s + "a\0\r\0\n\0b\0\r\0c\0"s);
+    EXPECT_EQ(ReadUnits(dir / "a.txt", u"r,ccs=UTF-16LE"), u"a\nb\rc");
+    EXPECT_EQ(ReadUnits(dir / "a.txt", u"r,ccs=UNICODE"), u"a\nb\rc");
+    EXPECT_EQ(FreadAll(dir / "a.txt", u"r,ccs=UTF-16LE"), "a\0\n\0b\0\r\0c\0"s);
+    // Binary mode sees the file as it is, byte order mark included.
+    EXPECT_EQ(ReadUnits(dir / "a.txt", u"rb"), u"\uFEFFa\r\nb\rc");
+}
+
+TEST(FileStream, ByteOrderMarkDecidesTheEncodingOnReading) {
+    TempDir dir;
+    WriteBytes(dir / "utf8.txt", "\xEF\xBB\xBFu\n\xC3\xBC\r\n\xF0\x9F\x98\x80\xFF");
+    EXPECT_EQ(ReadUnits(dir / "utf8.txt", u"r,ccs=UTF-16LE"), u"u\n\u00FC\n\U0001F600\uFFFD");
+    EXPECT_EQ(FreadAll(dir / "utf8.txt", u"r,ccs=UTF-16LE").substr(0, 8), "u\0\n\0\xFC\0\n\0"s);
+    // Without one, UNICODE reads ANSI and UTF-16LE reads UTF-16LE.
+    WriteBytes(dir / "plain.txt", "ab\r\nc");
+    EXPECT_EQ(ReadUnits(dir / "plain.txt", u"r,ccs=UNICODE"), u"ab\nc");
+    EXPECT_EQ(ReadUnits(dir / "plain.txt", u"r,ccs=UTF-16LE"), u"\u6261\u0A0D");
+}
+
+TEST(FileStream, AnsiTextModeFoldsCrLfAndEndsAtCtrlZ) {
+    TempDir dir;
+    WriteBytes(dir / "ansi.txt", "\xE4\x80\r\nz\x1Aq");
+    EXPECT_EQ(ReadUnits(dir / "ansi.txt", u"rt"), u"\u00E4\u0080\nz");
+    EXPECT_EQ(FreadAll(dir / "ansi.txt", u"rt"), "\xE4\x80\nz");
+    EXPECT_EQ(FreadAll(dir / "ansi.txt", u"r"), "\xE4\x80\nz"); // text is the default
+    {
+        Stream const f = OpenStream(dir / "out.txt", u"wt");
+        EXPECT_EQ(fputws16(u"p\n\u00E4", f.get()), 0);
+        EXPECT_EQ(std::fputs("\n", f.get()), 1);
+        // The runtime's "C" locale has no byte for the euro sign.
+        EXPECT_EQ(fputwc16(u'\u20AC', f.get()), kWEOF);
+        EXPECT_EQ(fputws16(u"q\u20ACr", f.get()), -1);
+    }
+    EXPECT_EQ(ReadBytes(dir / "out.txt"), "p\r\n\xE4\r\nq");
+}
+
+TEST(FileStream, BinaryModesKeepBytes) {
+    TempDir dir;
+    {
+        Stream const f = OpenStream(dir / "b.bin", u"wb");
+        EXPECT_EQ(fputws16(u"a\n", f.get()), 0);
+        EXPECT_EQ(std::fwrite("\r\n\x1A", 1, 3, f.get()), 3u);
+    }
+    EXPECT_EQ(ReadBytes(dir / "b.bin"), "a\0\n\0\r\n\x1A"s);
+    EXPECT_EQ(FreadAll(dir / "b.bin", u"rb"), "a\0\n\0\r\n\x1A"s);
+}
+
+TEST(FileStream, LinesComeWholeAcrossBufferBoundaries) {
+    TempDir dir;
+    // CR LF pairs fall on every offset of the layer's buffers, and lines outgrow fgetws16's.
+    std::u16string expected;
+    {
+        Stream const f = OpenStream(dir / "big.txt", u"wt,ccs=UTF-16LE");
+        for (int i = 0; i < 3000; ++i) {
+            std::u16string line(static_cast<std::size_t>(i % 700),
+                                static_cast<char16_t>(u'a' + i % 26));
+            line += u'\n';
+            expected += line;
+            ASSERT_EQ(fputws16(line.c_str(), f.get()), 0);
+        }
+    }
+    Stream const f = OpenStream(dir / "big.txt", u"r,ccs=UTF-16LE");
+    std::u16string got;
+    char16_t buffer[512];
+    while (fgetws16(buffer, 512, f.get()))
+        got += buffer;
+    EXPECT_EQ(got, expected);
+    EXPECT_TRUE(std::feof(f.get()));
+    // Rewinding starts again behind the byte order mark.
+    std::rewind(f.get());
+    EXPECT_EQ(fgetwc16(f.get()), u'\n');
+    EXPECT_EQ(std::ftell(f.get()), 2);
+}
+
+TEST(FileStream, BadArgumentsAndMissingFiles) {
+    TempDir dir;
+    std::FILE* f = reinterpret_cast<std::FILE*>(1);
+    EXPECT_EQ(_wfopen_s(&f, nullptr, u"rb"), EINVAL);
+    EXPECT_EQ(f, nullptr);
+    EXPECT_EQ(_wfopen_s(nullptr, u"x", u"rb"), EINVAL);
+    for (char16_t const* mode : {u"", u"q", u"rbt", u"rb,ccs=UNICODE", u"r,ccs=UTF-7", u"r+t"})
+        EXPECT_EQ(_wfopen_s(&f, dir.U("x").c_str(), mode), EINVAL);
+    EXPECT_EQ(_wfopen_s(&f, dir.U("missing").c_str(), u"r,ccs=UTF-16LE"), ENOENT);
+    EXPECT_EQ(_wfopen_s(&f, dir.U("missing").c_str(), u"rb"), ENOENT);
+    // A directory is no stream, as on Windows.
+    EXPECT_EQ(_wfopen_s(&f, dir.U().c_str(), u"rb"), EACCES);
+    EXPECT_EQ(_wfopen_s(&f, dir.U().c_str(), u"rt"), EACCES);
+    EXPECT_EQ(_wfsopen(dir.U("x").c_str(), u"wb", 3), nullptr);
+    EXPECT_EQ(fgetwc16(nullptr), kWEOF);
+    EXPECT_EQ(fputws16(nullptr, nullptr), -1);
+}
+
+TEST(FileStream, BackslashesNameTheSameFiles) {
+    TempDir dir;
+    std::filesystem::create_directory(dir / "sub");
+    WriteBytes(dir / "sub/cam1.ini", "x");
+    std::u16string windowsStyle = dir.U() + u"\\sub\\cam1.ini";
+    std::FILE* f = _wfsopen(windowsStyle.c_str(), u"rb", _SH_DENYNO);
+    ASSERT_NE(f, nullptr);
+    EXPECT_EQ(std::fgetc(f), 'x');
+    std::fclose(f);
+    // Names beyond ASCII reach the file system as UTF-8.
+    std::u16string const name = dir.U() + u"/Me\u00DFkopf \u6E2C\u5B9A.ini";
+    f = _wfsopen(name.c_str(), u"wt,ccs=UNICODE", _SH_DENYNO);
+    ASSERT_NE(f, nullptr);
+    std::fclose(f);
+    EXPECT_EQ(ReadBytes(dir / "Me\xC3\x9Fkopf \xE6\xB8\xAC\xE5\xAE\x9A.ini"), "\xFF\xFE");
+}

@@ -1,0 +1,149 @@
+#include <cerrno>
+#include <gtest/gtest.h>
+#include <qv/platform/PathText.h>
+#include <string>
+
+using namespace qv::platform;
+
+namespace {
+
+std::u16string Combine(char16_t const* dir, char16_t const* file) {
+    char16_t out[MAX_PATH] = u"untouched";
+    char16_t* r = PathCombineW(out, dir, file);
+    return r ? std::u16string(r) : u"<null:" + std::u16string(out) + u">";
+}
+
+std::u16string RemoveSpec(std::u16string path, bool expected) {
+    EXPECT_EQ(PathRemoveFileSpecW(path.data()), expected) << std::string(path.begin(), path.end());
+    return path.c_str();
+}
+
+std::u16string Strip(std::u16string path) {
+    PathStripPathW(path.data());
+    return path.c_str();
+}
+
+} // namespace
+
+TEST(PathText, CombineResolvesDotsOnBothSeparatorStyles) {
+    EXPECT_EQ(Combine(u"C:\\a\\b", u"c.txt"), u"C:/a/b/c.txt");
+    EXPECT_EQ(Combine(u"/a/b/", u"c.txt"), u"/a/b/c.txt");
+    EXPECT_EQ(Combine(u"C:\\a\\b", u"..\\c"), u"C:/a/c");
+    EXPECT_EQ(Combine(u"/a/./b/..", u"c"), u"/a/c");
+    EXPECT_EQ(Combine(u"a\\b", u"sub/x\\y"), u"a/b/sub/x/y");
+    EXPECT_EQ(Combine(u"a", u"b\\"), u"a/b/");
+    // ".." never climbs above the root, nor above the start of a relative path.
+    EXPECT_EQ(Combine(u"C:\\a", u"..\\..\\..\\c"), u"C:/c");
+    EXPECT_EQ(Combine(u"/a", u"../../c"), u"/c");
+    EXPECT_EQ(Combine(u"a\\b", u"..\\..\\..\\c"), u"c");
+    EXPECT_EQ(Combine(u"\\\\srv\\share", u"..\\x"), u"//srv/x");
+}
+
+TEST(PathText, CombineWithAbsoluteOrMissingSides) {
+    EXPECT_EQ(Combine(u"C:\\a", u"D:\\b"), u"D:/b");
+    EXPECT_EQ(Combine(u"/a", u"/b"), u"/b");
+    EXPECT_EQ(Combine(u"/a", u"\\\\srv\\s"), u"//srv/s");
+    EXPECT_EQ(Combine(u"", u"x"), u"x");
+    EXPECT_EQ(Combine(u"x", u""), u"x");
+    EXPECT_EQ(Combine(u"x", nullptr), u"x");
+    EXPECT_EQ(Combine(nullptr, u"x"), u"x");
+    EXPECT_EQ(Combine(nullptr, nullptr), u"<null:>");
+    EXPECT_EQ(PathCombineW(nullptr, u"a", u"b"), nullptr);
+}
+
+TEST(PathText, CombineRefusesResultsOfMaxPathOrMore) {
+    std::u16string const dir(255, u'd');
+    EXPECT_EQ(Combine(dir.c_str(), u"abc").size(), 259u);
+    EXPECT_EQ(Combine(dir.c_str(), u"abcd"), u"<null:>");
+    // A long input that resolves to a short result is fine.
+    std::u16string const longInput = dir + u"/../x";
+    EXPECT_EQ(Combine(longInput.c_str(), u"y"), u"x/y");
+}
+
+TEST(PathText, RemoveFileSpecKeepsTheRoot) {
+    EXPECT_EQ(RemoveSpec(u"C:\\a\\b", true), u"C:\\a");
+    EXPECT_EQ(RemoveSpec(u"C:\\a", true), u"C:\\");
+    EXPECT_EQ(RemoveSpec(u"C:\\", false), u"C:\\");
+    EXPECT_EQ(RemoveSpec(u"C:", false), u"C:");
+    EXPECT_EQ(RemoveSpec(u"/a/b", true), u"/a");
+    EXPECT_EQ(RemoveSpec(u"/a", true), u"/");
+    EXPECT_EQ(RemoveSpec(u"/", false), u"/");
+    EXPECT_EQ(RemoveSpec(u"a", true), u"");
+    EXPECT_EQ(RemoveSpec(u"a\\", true), u"a");
+    EXPECT_EQ(RemoveSpec(u"a/b\\", true), u"a/b");
+    EXPECT_EQ(RemoveSpec(u"\\\\srv\\share", true), u"\\\\srv");
+    EXPECT_EQ(RemoveSpec(u"\\\\srv", true), u"\\\\");
+    EXPECT_EQ(RemoveSpec(u"", false), u"");
+    EXPECT_FALSE(PathRemoveFileSpecW(nullptr));
+}
+
+TEST(PathText, FileNameExtensionAndStrip) {
+    struct Case {
+        char16_t const* path;
+        char16_t const* name;
+        char16_t const* ext;
+    };
+    Case const cases[] = {
+        {u"C:\\a\\b.txt", u"b.txt", u".txt"},
+        {u"/a/b.txt", u"b.txt", u".txt"},
+        {u"a\\b\\", u"b\\", u""},
+        {u"a.b/c", u"c", u""},
+        {u".bashrc", u".bashrc", u".bashrc"},
+        {u"a.tar.gz", u"a.tar.gz", u".gz"},
+        {u"a.", u"a.", u"."},
+        {u"file.a b", u"file.a b", u""},
+        {u"C:\\", u"C:\\", u""},
+        {u"C:x.y", u"x.y", u".y"},
+        {u"", u"", u""},
+        {u"\\\\srv\\share", u"share", u""},
+    };
+    for (Case const& c : cases) {
+        std::u16string const path(c.path);
+        EXPECT_EQ(std::u16string(PathFindFileNameW(c.path)), c.name)
+            << std::string(path.begin(), path.end());
+        EXPECT_EQ(std::u16string(PathFindExtensionW(c.path)), c.ext);
+        EXPECT_EQ(Strip(c.path), c.name);
+    }
+    EXPECT_EQ(PathFindFileNameW(nullptr), nullptr);
+    EXPECT_EQ(PathFindExtensionW(nullptr), nullptr);
+}
+
+TEST(PathText, SplitPath) {
+    char16_t drive[3], dir[MAX_PATH], name[MAX_PATH], ext[MAX_PATH];
+    auto split = [&](char16_t const* path) {
+        int r = _wsplitpath_s(path, drive, 3, dir, MAX_PATH, name, MAX_PATH, ext, MAX_PATH);
+        return std::to_string(r) + "|" +
+               std::string(drive, drive + std::u16string_view(drive).size()) + "|" +
+               std::string(dir, dir + std::u16string_view(dir).size()) + "|" +
+               std::string(name, name + std::u16string_view(name).size()) + "|" +
+               std::string(ext, ext + std::u16string_view(ext).size());
+    };
+    EXPECT_EQ(split(u"C:\\a\\b.txt"), "0|C:|\\a\\|b|.txt");
+    EXPECT_EQ(split(u"a/b.c.d"), "0||a/|b.c|.d");
+    EXPECT_EQ(split(u"\\\\srv\\share\\x.y"), "0||\\\\srv\\share\\|x|.y");
+    EXPECT_EQ(split(u".a"), "0||||.a");
+    EXPECT_EQ(split(u"dir\\"), "0||dir\\||");
+    EXPECT_EQ(split(u"C:x.y"), "0|C:||x|.y");
+    // Parts not wanted, parts that do not fit, bad arguments.
+    EXPECT_EQ(_wsplitpath_s(u"/a/b.c", nullptr, 0, nullptr, 0, name, MAX_PATH, nullptr, 0), 0);
+    EXPECT_EQ(std::u16string(name), u"b");
+    EXPECT_EQ(_wsplitpath_s(u"C:\\a", drive, 2, dir, MAX_PATH, nullptr, 0, nullptr, 0), ERANGE);
+    EXPECT_EQ(drive[0], 0);
+    EXPECT_EQ(dir[0], 0);
+    EXPECT_EQ(_wsplitpath_s(nullptr, drive, 3, nullptr, 0, nullptr, 0, nullptr, 0), EINVAL);
+    EXPECT_EQ(_wsplitpath_s(u"a", nullptr, 3, nullptr, 0, nullptr, 0, nullptr, 0), EINVAL);
+}
+
+TEST(PathText, NativePathAndAbsoluteness) {
+    EXPECT_EQ(NativePath(u"sub\\cam1.ini"), "sub/cam1.ini");
+    EXPECT_EQ(NativePath(u"\\\\?\\/tmp/x"), "/tmp/x");
+    EXPECT_EQ(NativePath(u"gr\u00FC\u00DFe/\u6587"), "gr\xC3\xBC\xC3\x9F"
+                                                     "e/\xE6\x96\x87");
+    EXPECT_TRUE(PathIsAbsolute(u"/a"));
+    EXPECT_TRUE(PathIsAbsolute(u"\\a"));
+    EXPECT_TRUE(PathIsAbsolute(u"d:"));
+    EXPECT_TRUE(PathIsAbsolute(u"\\\\srv\\s"));
+    EXPECT_FALSE(PathIsAbsolute(u"a/b"));
+    EXPECT_FALSE(PathIsAbsolute(u"1:"));
+    EXPECT_FALSE(PathIsAbsolute(u""));
+}
