@@ -82,13 +82,14 @@ public:
     //   ResolveIndex(field), ResolveObjectRef(field), ResolveObjectList(l)
     //
     // A field under load never holds a number: it stays null, and the archive keeps the
-    // number beside it, keyed by the field's address, until the resolve form replaces it by
-    // the object (null for a number that finds nothing or an object of another type). So a
-    // load given up half-way releases nothing that is not an object. A field that was not
-    // read through the archive is left alone by the resolve forms.
+    // number beside it, with the field's address, until the resolve form replaces it by the
+    // object (null for a number that finds nothing or an object of another type). So a load
+    // given up half-way releases nothing that is not an object. The resolve forms serve the
+    // object whose UpdateAssociations runs; a field that its read function did not read
+    // through the archive is left alone.
     //
-    // Lists are DList-like: Count(), RemoveAll(), AddTail(value), walkable by range-for,
-    // with elements that keep their addresses while the list lives.
+    // Lists are DLists or have their shape: Count(), RemoveAll(), AddTail(value), walkable by
+    // range-for, with elements that keep their addresses while the list lives.
     //
     // On an archive that is neither an object archive nor a stream archive, the object and
     // list forms do nothing; WriteIndex and ReadIndex() work on every archive.
