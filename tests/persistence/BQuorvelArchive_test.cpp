@@ -319,6 +319,57 @@ TEST_F(ObjectArchive, WriteFailuresShowInIsGood) {
     EXPECT_EQ(out.WriteMemoryBlock("x", 1), 0u);
 }
 
+struct FailingWriter : BSmartObj {
+    void WriteData(BArchive& archive) const override {
+        archive << std::int32_t(1);
+        throw BError(BError::kGeneralFailure, u"write");
+    }
+};
+
+TEST_F(ObjectArchive, AnExceptionFromWriteDataInTheDestructorLeavesARefusedFile) {
+    {
+        BQuorvelArchive out(Path().c_str(), BArchive::WRITE, kName, 3);
+        SP<ArchiveItem> good = Item("good");
+        out.Insert(good, "good");
+        EXPECT_TRUE(out.Flush());
+        out.Insert(new FailingWriter, "bad");
+    } // the destructor cannot report: the record keeps its placeholder
+    EXPECT_FALSE(Open()->IsGood());
+
+    BQuorvelArchive out(Path().c_str(), BArchive::WRITE, kName, 3);
+    out.Insert(new FailingWriter, "bad");
+    EXPECT_THROW(out.Flush(), BError);
+}
+
+TEST_F(ObjectArchive, KeysNotedForLaterLoadWithTheNextTakeOut) {
+    SP<ArchiveItem> a = Item("a");
+    SP<ArchiveItem> b = Item("b");
+    Store({{a, "a"}, {b, "b"}});
+    auto in = Open();
+    in->TakeOutLater("b");
+    in->TakeOutLater("");
+    SP<BSmartObj> first = in->TakeOut("a");
+    ASSERT_TRUE(first);
+    // b was loaded on the way: its id and its number now find it without a load.
+    SP<BSmartObj> second = in->QueryObject(reinterpret_cast<void*>(2));
+    ASSERT_TRUE(second);
+    EXPECT_EQ(Text(AsItem(second)), "b");
+    EXPECT_EQ(in->TakeOut("b").get(), second.get());
+    EXPECT_FALSE(in->QueryObject(reinterpret_cast<void*>(3)));
+}
+
+TEST_F(ObjectArchive, InsertInReadModeWritesNothing) {
+    SP<ArchiveItem> a = Item("a");
+    Store({{a, "a"}});
+    std::string const before = Bytes();
+    {
+        auto in = Open();
+        in->Insert(a, "other");
+        EXPECT_FALSE(in->Flush());
+    }
+    EXPECT_EQ(Bytes(), before);
+}
+
 TEST_F(ObjectArchive, FixedAnswersOfTheObjectArchive) {
     BQuorvelArchive out(Path().c_str(), BArchive::WRITE, kName, 3);
     EXPECT_EQ(out.Version(), 8);
