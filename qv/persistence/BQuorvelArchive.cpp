@@ -11,6 +11,7 @@
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 QV_REGISTER_CLASSNAME(BQuorvelArchive);
@@ -141,15 +142,21 @@ public:
         std::uint32_t reader = 0;
     };
 
-    Stretch Begin() {
-        std::uint32_t outer = m_reader;
+    // A read function starts: where its notes begin, and the reader it interrupts (a read
+    // function may itself call TakeOut).
+    struct Mark {
+        std::size_t begin;
+        std::uint32_t outer;
+    };
+    Mark Begin() {
+        Mark mark{m_notes.size(), m_reader};
         m_reader = ++m_readers;
-        return {m_notes.size(), m_notes.size(), m_notes.size(), outer};
+        return mark;
     }
     // Ends the read function that Begin started; its notes form the stretch returned.
-    Stretch End(Stretch const& begun) {
-        Stretch done{begun.begin, m_notes.size(), begun.begin, m_reader};
-        m_reader = begun.reader;
+    Stretch End(Mark const& mark) {
+        Stretch done{mark.begin, m_notes.size(), mark.begin, m_reader};
+        m_reader = mark.outer;
         return done;
     }
     // The read function gave up: its object is gone, and its fields' addresses may soon
@@ -171,8 +178,15 @@ public:
         return TakeIn(s.next, s.end, field, &s, number) ||
                TakeIn(s.begin, s.next, field, &s, number);
     }
-    void SetCurrent(Stretch* stretch) { m_current = stretch; }
-    void Clear() { m_notes.clear(); }
+    // Makes a stretch current and returns the one before (UpdateAssociations may call
+    // TakeOut).
+    Stretch* SetCurrent(Stretch* stretch) { return std::exchange(m_current, stretch); }
+    // Drops all notes, unless a read function is running or an object is being updated:
+    // their notes are still to come or to be used.
+    void ClearIfIdle() {
+        if (m_reader == 0 && m_current == nullptr)
+            m_notes.clear();
+    }
 
 private:
     bool TakeIn(std::size_t from, std::size_t to, void* field, Stretch* stretch,
@@ -461,7 +475,7 @@ struct BQuorvelArchive::State {
     // object.
     SP<BSmartObj> RunReadFunction(NArchive::ReadFunction read, int version,
                                   NoteBook::Stretch& stretch) {
-        NoteBook::Stretch begun = notes.Begin();
+        NoteBook::Mark begun = notes.Begin();
         SP<BSmartObj> object;
         try {
             object = read(owner, version);
@@ -526,18 +540,18 @@ struct BQuorvelArchive::State {
             Loaded& entry = loaded[firstUnresolved++];
             SP<BSmartObj> object = entry.object;
             NoteBook::Stretch stretch = entry.notes;
-            notes.SetCurrent(&stretch);
+            NoteBook::Stretch* outer = notes.SetCurrent(&stretch);
             try {
                 object->UpdateAssociations(owner);
             } catch (...) {
-                notes.SetCurrent(nullptr);
+                notes.SetCurrent(outer);
                 throw;
             }
-            notes.SetCurrent(nullptr);
+            notes.SetCurrent(outer);
         }
         // Every object has had its call: notes still here belong to fields that no one
-        // resolves, and are dropped.
-        notes.Clear();
+        // resolves.
+        notes.ClearIfIdle();
     }
 };
 

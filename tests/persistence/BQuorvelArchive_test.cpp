@@ -142,6 +142,45 @@ TEST_F(ObjectArchive, ResolvingInAnyOrderFindsEachNumber) {
     root->m_parent = nullptr;
 }
 
+// Takes another object out from inside its read function, once its own bytes are read, and
+// from inside its UpdateAssociations.
+struct NestingItem : ArchiveItem {
+    static SP<BSmartObj> Read(BArchive& archive, int version) {
+        SP<NestingItem> item(ReadAs<NestingItem>(archive, version));
+        item->m_fromRead = archive.TakeOut("x");
+        return SP<BSmartObj>(item);
+    }
+    void UpdateAssociations(BArchive& archive) override {
+        m_fromUpdate = archive.TakeOut("y");
+        ArchiveItem::UpdateAssociations(archive);
+    }
+    SP<BSmartObj> m_fromRead, m_fromUpdate;
+};
+bool const nestingRegistered = [] {
+    RegisterArchiveCallback("class NestingItem", &NestingItem::Read);
+    return true;
+}();
+
+TEST_F(ObjectArchive, TakeOutFromInsideALoadKeepsTheOuterNumbers) {
+    Write(Header() + Record("1", "tree", "class NestingItem", 3, ItemData(3, {2, 3}, 0, "r")) +
+          Record("2", "x", "class ArchiveItem", 3, ItemData(0, {}, 1, "x")) +
+          Record("3", "y", "class ArchiveItem", 3, ItemData(0, {2}, 1, "y")));
+    auto in = Open();
+    SP<NestingItem> root(in->TakeOut("tree"));
+    ASSERT_TRUE(root);
+    EXPECT_EQ(Text(AsItem(root->m_fromRead)), "x");
+    EXPECT_EQ(Text(AsItem(root->m_fromUpdate)), "y");
+    ASSERT_EQ(root->m_children.Count(), 2);
+    EXPECT_EQ(root->m_children[0].get(), root->m_fromRead.get());
+    EXPECT_EQ(root->m_children[1].get(), root->m_fromUpdate.get());
+    EXPECT_EQ(root->m_object.get(), root->m_fromUpdate.get());
+    EXPECT_EQ(root->m_children[1]->m_children[0].get(), root->m_fromRead.get());
+    // The TakeOut inside the root's read function also worked off the later list, where the
+    // root had just put y: x and y were resolved before the root existed.
+    EXPECT_EQ(root->m_children[0]->m_parent, nullptr);
+    EXPECT_EQ(root->m_children[1]->m_parent, nullptr);
+}
+
 TEST_F(ObjectArchive, TakeOutByNameAndByHexadecimalId) {
     SP<ArchiveItem> root = Item("0");
     ArchiveItem* last = root;
