@@ -58,6 +58,7 @@
 
 #include <qv/platform/CodePage.h>
 #include <qv/platform/CriticalSection.h>
+#include <qv/platform/FileSeek.h>
 #include <qv/platform/FileStream.h>
 #include <qv/platform/FileSystem.h>
 #include <qv/platform/Futex.h>

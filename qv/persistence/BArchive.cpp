@@ -53,8 +53,11 @@ BArchive& BArchive::operator>>(BString& value) {
         throw ARCHIVE_BAD_STRING;
     std::uint32_t length = 0;
     *this >> length;
-    if (length == 0) {
-        value.Clear();
+    if (length <= kFirstPiece) {
+        // The common case, read straight over blanks: a short read leaves them at the end.
+        value.Fill(length, ' ');
+        if (length)
+            ReadMemoryBlock(value.Str(), length);
         return *this;
     }
     std::string bytes;
@@ -83,6 +86,14 @@ template <>
 BArchive& BArchive::operator>>(WString& value) {
     std::int32_t count = 0;
     *this >> count;
+    if (count > 0 && static_cast<unsigned long long>(count) <= kFirstPiece) {
+        // Blanks give the string a buffer of its own, which the units are read into.
+        unsigned long long const bytes = static_cast<unsigned long long>(count) * 2;
+        value.Fill(static_cast<std::size_t>(count), u' ');
+        if (ReadMemoryBlock(value.Str(), bytes) != bytes)
+            value.Clear();
+        return *this;
+    }
     std::u16string units;
     if (count > 0 && ReadUnits(*this, units, static_cast<unsigned long long>(count)) ==
                          static_cast<unsigned long long>(count)) {
@@ -156,11 +167,8 @@ void BArchive::ReadRef(void* field, bool load) {
         archive->NoteReference(field, number, load);
 }
 
-void BArchive::NoteRefs(std::vector<void*> const& fields,
-                        std::vector<unsigned long long> const& numbers) {
-    auto* archive = dynamic_cast<BQuorvelArchive*>(this);
-    for (std::size_t i = 0; archive && i < fields.size() && i < numbers.size(); ++i)
-        archive->NoteReference(fields[i], numbers[i], true);
+void BArchive::NoteListElement(void* field, unsigned long long number) {
+    static_cast<BQuorvelArchive*>(this)->NoteReference(field, number, true);
 }
 
 SP<BSmartObj> BArchive::Resolve(void* field, bool& noted) {

@@ -43,7 +43,8 @@ public:
     virtual bool Force64bitFormat() const = 0;
 
     // Plain values travel as their memory image. long is refused: it is 4 bytes in the files
-    // that Windows writes and 8 here, so a field must name its width (std::int32_t ...).
+    // that Windows writes and 8 here, so a field must name its width: std::int32_t for 32
+    // bits, long long for 64 (std::int64_t is a long on this platform).
     template <class T>
     BArchive& operator<<(T const& value) {
         CheckPlain<T>();
@@ -81,13 +82,14 @@ public:
     //   ResolveIndex(field), ResolveObjectRef(field), ResolveObjectList(l)
     //
     // A field under load never holds a number: it stays null, and the archive keeps the
-    // number beside it, keyed by the field's address, until the resolve form replaces it by
-    // the object (null for a number that finds nothing or an object of another type). So a
-    // load given up half-way releases nothing that is not an object. A field that was not
-    // read through the archive is left alone by the resolve forms.
+    // number beside it, with the field's address, until the resolve form replaces it by the
+    // object (null for a number that finds nothing or an object of another type). So a load
+    // given up half-way releases nothing that is not an object. The resolve forms serve the
+    // object whose UpdateAssociations runs; a field that its read function did not read
+    // through the archive is left alone.
     //
-    // Lists are DList-like: Count(), RemoveAll(), AddTail(value), walkable by range-for,
-    // with elements that keep their addresses while the list lives.
+    // Lists are DLists or have their shape: Count(), RemoveAll(), AddTail(value), walkable by
+    // range-for, with elements that keep their addresses while the list lives.
     //
     // On an archive that is neither an object archive nor a stream archive, the object and
     // list forms do nothing; WriteIndex and ReadIndex() work on every archive.
@@ -160,7 +162,8 @@ private:
     // Reads a number; false if the source had fewer bytes than its width.
     bool ReadNumber(unsigned long long& number);
     void ReadRef(void* field, bool load);
-    void NoteRefs(std::vector<void*> const& fields, std::vector<unsigned long long> const& numbers);
+    // On an object archive only: the number of a list element under load.
+    void NoteListElement(void* field, unsigned long long number);
     bool IsObjectArchive() const;
     SP<BSmartObj> Resolve(void* field, bool& noted);
 
@@ -168,7 +171,8 @@ private:
     static constexpr void CheckPlain() {
         static_assert(std::is_trivially_copyable_v<T>, "only plain values stream as bytes");
         static_assert(!std::is_same_v<T, long> && !std::is_same_v<T, unsigned long>,
-                      "long has another width on Windows; stream a fixed-width type");
+                      "long has another width on Windows; stream std::int32_t, or long long "
+                      "for 64 bits (std::int64_t is long here and is refused as well)");
     }
 };
 
@@ -207,9 +211,7 @@ void BArchive::ReadObjectList(List& list) {
     list.RemoveAll();
     for (std::size_t i = 0; i < numbers.size(); ++i)
         list.AddTail(nullptr);
-    std::vector<void*> fields;
-    fields.reserve(numbers.size());
+    std::size_t i = 0;
     for (auto& element : list)
-        fields.push_back(&element);
-    NoteRefs(fields, numbers);
+        NoteListElement(&element, numbers[i++]);
 }

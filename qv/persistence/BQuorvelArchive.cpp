@@ -1,13 +1,17 @@
+#include <algorithm>
+#include <charconv>
 #include <cstdio>
 #include <cstring>
 #include <deque>
 #include <qv/core/BError.h>
 #include <qv/persistence/BQuorvelArchive.h>
 #include <qv/persistence/Tupel.h>
+#include <qv/platform/FileSeek.h>
+#include <qv/platform/FileStream.h>
 #include <string>
-#include <sys/types.h>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 QV_REGISTER_CLASSNAME(BQuorvelArchive);
@@ -21,9 +25,13 @@ constexpr int kOldestFormat = 2;
 // Bytes gathered before they go to the stream. A record is patched here while it is still in
 // memory, so that writing does not seek (and so flush the stream) once per object.
 constexpr std::size_t kOutputChunk = 1 << 20;
+constexpr std::size_t kInputChunk = 1 << 16;
 
-std::string Key(BString const& text) {
-    return std::string(text.View());
+// The key of a reference number: the same text as BSmartObj::Id gives, made without a
+// string of our own on the heap, since loading does this once per reference.
+std::string NumberKey(unsigned long long number) {
+    char text[16];
+    return std::string(text, std::to_chars(text, text + 16, number, 16).ptr);
 }
 
 void AddClassPrefix(BString& text) {
@@ -31,24 +39,176 @@ void AddClassPrefix(BString& text) {
         text.Prepend(kClassPrefix);
 }
 
-// The file is reached through the C runtime with 64-bit positions. The name goes in its UTF-8
-// form; the mode is always binary.
+// The file is reached through the C runtime, in binary mode, with 64-bit positions.
 std::FILE* OpenFile(WString const& path, bool write) {
-    if (path.IsEmpty())
+    std::FILE* file = nullptr;
+    if (path.IsEmpty() || qv::platform::_wfopen_s(&file, path.CStr(), write ? u"wb" : u"rb") != 0)
         return nullptr;
-    std::FILE* file = std::fopen(path.ToUtf8().c_str(), write ? "wb" : "rb");
-    if (file && !write)
-        std::setvbuf(file, nullptr, _IOFBF, 1 << 16);
     return file;
 }
 
 bool Seek(std::FILE* file, long long position, int origin = SEEK_SET) {
-    return fseeko(file, static_cast<off_t>(position), origin) == 0;
+    return qv::platform::_fseeki64(file, position, origin) == 0;
 }
 
 long long Tell(std::FILE* file) {
-    return static_cast<long long>(ftello(file));
+    return qv::platform::_ftelli64(file);
 }
+
+struct KeyEntry {
+    long long offset = -1;
+    SP<BSmartObj> object;
+    bool queued = false;
+    bool failed = false;
+};
+
+// The keys of a file. Ids in their own form (lower-case hexadecimal without leading zeros)
+// up to the number of records are kept in an array indexed by their number, which is what a
+// reference number finds its object by; every other key, names and foreign ids alike, is
+// kept by its text. Which table a text belongs to depends only on the text, so both serve as
+// the one dictionary of keys.
+class KeyTable {
+public:
+    // Sizes the array once the number of records is known; the positions noted for numbers
+    // during the scan are entered then, in file order, so that later records win.
+    void Build(std::size_t records,
+               std::vector<std::pair<unsigned long long, long long>> const& numbered) {
+        m_slots.resize(records + 1);
+        for (auto const& [number, offset] : numbered)
+            Get(number).offset = offset;
+    }
+    void SetOffset(std::string_view key, long long offset) {
+        unsigned long long number = 0;
+        if (!IsNumber(key, number))
+            m_named[std::string(key)].offset = offset;
+    }
+    KeyEntry* Find(std::string_view key) {
+        unsigned long long number = 0;
+        if (IsNumber(key, number))
+            return Find(number);
+        auto found = m_named.find(std::string(key));
+        return found == m_named.end() ? nullptr : &found->second;
+    }
+    KeyEntry* Find(unsigned long long number) {
+        if (number < m_slots.size())
+            return &m_slots[number];
+        auto found = m_named.find(NumberKey(number));
+        return found == m_named.end() ? nullptr : &found->second;
+    }
+    KeyEntry& Get(std::string_view key) {
+        unsigned long long number = 0;
+        return IsNumber(key, number) ? Get(number) : m_named[std::string(key)];
+    }
+    KeyEntry& Get(unsigned long long number) {
+        return number < m_slots.size() ? m_slots[number] : m_named[NumberKey(number)];
+    }
+    template <class F>
+    void ForEach(F f) {
+        for (KeyEntry& entry : m_slots)
+            f(entry);
+        for (auto& [key, entry] : m_named)
+            f(entry);
+    }
+
+    // True for the text that BSmartObj::Id gives for some number.
+    static bool IsNumber(std::string_view key, unsigned long long& number) {
+        if (key.empty() || key.size() > 16 || (key[0] == '0' && key.size() > 1))
+            return false;
+        for (char c : key)
+            if (!((c >= '0' && c <= '9') || (c >= 'a' && c <= 'f')))
+                return false;
+        std::from_chars(key.data(), key.data() + key.size(), number, 16);
+        return true;
+    }
+
+private:
+    std::vector<KeyEntry> m_slots;
+    std::unordered_map<std::string, KeyEntry> m_named;
+};
+
+// Reference numbers of fields under load. Each read function that runs gets a reader number;
+// its notes are kept in order, and the loaded object remembers the stretch of notes that its
+// read function made. Its UpdateAssociations then finds each field there, mostly at the next
+// note, since classes resolve in the order they read.
+class NoteBook {
+public:
+    struct Note {
+        void* field;
+        unsigned long long number;
+        std::uint32_t reader;
+    };
+    struct Stretch {
+        std::size_t begin = 0, end = 0, next = 0;
+        std::uint32_t reader = 0;
+    };
+
+    // A read function starts: where its notes begin, and the reader it interrupts (a read
+    // function may itself call TakeOut).
+    struct Mark {
+        std::size_t begin;
+        std::uint32_t outer;
+    };
+    Mark Begin() {
+        Mark mark{m_notes.size(), m_reader};
+        m_reader = ++m_readers;
+        return mark;
+    }
+    // Ends the read function that Begin started; its notes form the stretch returned.
+    Stretch End(Mark const& mark) {
+        Stretch done{mark.begin, m_notes.size(), mark.begin, m_reader};
+        m_reader = mark.outer;
+        return done;
+    }
+    // The read function gave up: its object is gone, and its fields' addresses may soon
+    // belong to someone else.
+    void Drop(Stretch const& stretch) {
+        for (std::size_t i = stretch.begin; i < stretch.end; ++i)
+            if (m_notes[i].reader == stretch.reader)
+                m_notes[i].field = nullptr;
+    }
+    void Add(void* field, unsigned long long number) {
+        m_notes.push_back({field, number, m_reader});
+    }
+    // The number noted for a field of the object whose stretch is current, or, outside
+    // UpdateAssociations, of any object; the note is used up.
+    bool Take(void* field, unsigned long long& number) {
+        if (!m_current)
+            return TakeIn(0, m_notes.size(), field, nullptr, number);
+        Stretch& s = *m_current;
+        return TakeIn(s.next, s.end, field, &s, number) ||
+               TakeIn(s.begin, s.next, field, &s, number);
+    }
+    // Makes a stretch current and returns the one before (UpdateAssociations may call
+    // TakeOut).
+    Stretch* SetCurrent(Stretch* stretch) { return std::exchange(m_current, stretch); }
+    // Drops all notes, unless a read function is running or an object is being updated:
+    // their notes are still to come or to be used.
+    void ClearIfIdle() {
+        if (m_reader == 0 && m_current == nullptr)
+            m_notes.clear();
+    }
+
+private:
+    bool TakeIn(std::size_t from, std::size_t to, void* field, Stretch* stretch,
+                unsigned long long& number) {
+        for (std::size_t i = from; i < to; ++i) {
+            Note& note = m_notes[i];
+            if (note.field != field || (stretch && note.reader != stretch->reader))
+                continue;
+            number = note.number;
+            note.field = nullptr;
+            if (stretch)
+                stretch->next = i + 1;
+            return true;
+        }
+        return false;
+    }
+
+    std::vector<Note> m_notes;
+    std::uint32_t m_reader = 0;
+    std::uint32_t m_readers = 0;
+    Stretch* m_current = nullptr;
+};
 
 } // namespace
 
@@ -64,42 +224,53 @@ struct BQuorvelArchive::State {
     int formatVersion = kWrittenFormat;
     BQuorvelArchive& owner;
 
-    // Keys to load at the end of the running TakeOut, with a set beside the queue so that
-    // noting a key stays constant in time. Keys that failed to load in the running TakeOut
-    // are not queued again: loading them a second time would fail the same way, and a read
-    // function that gives up after reading its references could otherwise queue its
-    // neighbours and itself for ever.
-    std::deque<std::string> later;
-    std::unordered_set<std::string> laterKeys;
-    std::unordered_set<std::string> failedKeys;
-
-    // Objects to write in file order. The sets answer Insert's "already there?" in constant
-    // time; the walk of the list stays the order of the file.
+    // Writing. Objects to write in file order; beside the list, what is known of each object
+    // met: its number, and whether it is pending. The names in use are in a set, so Insert's
+    // "already there?" costs constant time and the walk of the list stays the order of the
+    // file.
+    struct Met {
+        unsigned int index = 0;
+        bool indexed = false;
+        bool pending = false;
+    };
     std::vector<NArchive::Tupel> pending;
     std::size_t firstUnwritten = 0;
-    std::unordered_set<BSmartObj const*> pendingObjects;
+    std::unordered_map<void const*, Met> met{{nullptr, Met{0, true, false}}};
+    std::size_t indexed = 1; // null holds 0
     std::unordered_set<std::string> pendingNames;
 
-    // Key (id or name) to loaded object; the loaded objects in order of loading, of which
-    // those before firstUnresolved have had UpdateAssociations.
-    std::unordered_map<std::string, SP<BSmartObj>> objects;
-    std::vector<SP<BSmartObj>> loaded;
-    std::unordered_set<BSmartObj const*> loadedSet;
+    // Reading. The keys of the file; the loaded objects in order of loading with the notes of
+    // their read functions, of which those before firstUnresolved have had
+    // UpdateAssociations; the keys to load at the end of the running TakeOut.
+    struct Loaded {
+        SP<BSmartObj> object;
+        NoteBook::Stretch notes;
+    };
+    KeyTable keys;
+    std::vector<Loaded> loaded;
     std::size_t firstUnresolved = 0;
-
-    std::unordered_map<std::string, long long> offsets;
-    std::unordered_map<void const*, unsigned int> indexes{{nullptr, 0u}};
-
-    // Reference numbers of fields under load, by the field's address, and the fields noted by
-    // the read function that runs now (null outside one).
-    std::unordered_map<void*, unsigned long long> numbers;
-    std::vector<void*>* readingFields = nullptr;
+    std::deque<std::string> later;
+    std::vector<KeyEntry*> failed;
+    NoteBook notes;
 
     // Written bytes not yet handed to the stream, and the file position of the first.
     std::vector<unsigned char> output;
     long long outputStart = 0;
 
-    bool Good() const { return file && !std::ferror(file); }
+    // Bytes read ahead: the stream's position is always inputStart + inputEnd. Loading seeks
+    // once per object, mostly to where the previous one ended or a little further, which is
+    // served here without a call to the stream.
+    std::vector<unsigned char> input;
+    std::size_t inputPosition = 0;
+    std::size_t inputEnd = 0;
+    long long inputStart = 0;
+
+    // The stream's error flag, as of the last call that can set it. It is asked for on every
+    // read of a value, and asking the stream takes its lock.
+    bool streamError = false;
+
+    bool Good() const { return file && !streamError; }
+    void NoteStreamState() { streamError = file && std::ferror(file); }
 
     void OpenForWriting(BString const& name, int version) {
         file = OpenFile(path, true);
@@ -128,12 +299,12 @@ struct BQuorvelArchive::State {
             first.Prepend(kClassPrefix);
             second.Prepend(kClassPrefix);
         }
-        if (!(first == name && second == kArchiveClass && application >= version &&
+        if (!(first.Equal(name) && second == kArchiveClass && application >= version &&
               format >= kOldestFormat && format <= kWrittenFormat))
             return false;
         formatVersion = format;
-        firstRecord = Tell(file);
-        return firstRecord >= 0;
+        firstRecord = ReadPosition();
+        return true;
     }
 
     // One pass over the prefixes, seeking over the data, to learn where each key lies.
@@ -141,30 +312,40 @@ struct BQuorvelArchive::State {
         if (!Seek(file, 0, SEEK_END))
             return false;
         long long end = Tell(file);
+        inputStart = end;
+        inputPosition = inputEnd = 0;
         long long position = firstRecord;
-        if (end < 0 || !Seek(file, position))
+        if (end < 0 || !SeekRead(position))
             return false;
+        std::vector<std::pair<unsigned long long, long long>> numbered;
+        std::size_t records = 0;
         while (position < end) {
             BString id, name, className;
             int version = 0;
             unsigned long long size = 0;
             if (!BSmartObj::ReadPrefix(owner, id, name, className, version, size))
                 return false;
-            long long data = Tell(file);
+            long long data = ReadPosition();
             // A negative size is the placeholder of a record that never got finished. It is
             // refused as such, also where seeking back by it would succeed: that could walk
             // the scan in circles. A size beyond the end would fail at the next prefix.
-            if (data < 0 || static_cast<long long>(size) < 0 ||
+            if (static_cast<long long>(size) < 0 ||
                 size > static_cast<unsigned long long>(end - data))
                 return false;
-            if (!id.IsEmpty())
-                offsets[Key(id)] = position;
-            if (!name.IsEmpty())
-                offsets[Key(name)] = position;
+            for (BString const* key : {&id, &name}) {
+                unsigned long long number = 0;
+                if (KeyTable::IsNumber(key->View(), number))
+                    numbered.emplace_back(number, position);
+                else if (!key->IsEmpty())
+                    keys.SetOffset(key->View(), position);
+            }
+            ++records;
             position = data + static_cast<long long>(size);
-            if (!Seek(file, position))
+            if (!SeekRead(position))
                 return false;
         }
+        keys.Build(records, numbered);
+        loaded.reserve(records);
         return true;
     }
 
@@ -174,12 +355,52 @@ struct BQuorvelArchive::State {
         file = nullptr;
     }
 
+    long long ReadPosition() const { return inputStart + static_cast<long long>(inputPosition); }
+
+    bool SeekRead(long long position) {
+        if (position >= inputStart && position <= inputStart + static_cast<long long>(inputEnd)) {
+            inputPosition = static_cast<std::size_t>(position - inputStart);
+            return true;
+        }
+        if (!Seek(file, position))
+            return false;
+        inputStart = position;
+        inputPosition = inputEnd = 0;
+        return true;
+    }
+
+    // As fread would: the bytes that came, fewer at the end of the file or on an error.
+    unsigned long long Read(void* buffer, unsigned long long size) {
+        auto* out = static_cast<unsigned char*>(buffer);
+        unsigned long long done = 0;
+        while (done < size) {
+            if (inputPosition == inputEnd && !Refill())
+                break;
+            std::size_t take = static_cast<std::size_t>(
+                std::min<unsigned long long>(size - done, inputEnd - inputPosition));
+            std::memcpy(out + done, input.data() + inputPosition, take);
+            inputPosition += take;
+            done += take;
+        }
+        return done;
+    }
+
+    bool Refill() {
+        input.resize(kInputChunk);
+        inputStart += static_cast<long long>(inputEnd);
+        inputPosition = 0;
+        inputEnd = std::fread(input.data(), 1, kInputChunk, file);
+        NoteStreamState();
+        return inputEnd > 0;
+    }
+
     long long OutputPosition() const { return outputStart + static_cast<long long>(output.size()); }
 
     void DrainOutput() {
         if (output.empty() || !file)
             return;
         outputStart += static_cast<long long>(std::fwrite(output.data(), 1, output.size(), file));
+        NoteStreamState();
         output.clear();
     }
 
@@ -187,6 +408,7 @@ struct BQuorvelArchive::State {
         if (size >= kOutputChunk) {
             DrainOutput();
             unsigned long long written = std::fwrite(buffer, 1, size, file);
+            NoteStreamState();
             outputStart += static_cast<long long>(written);
             return written;
         }
@@ -211,6 +433,7 @@ struct BQuorvelArchive::State {
         DrainOutput();
         if (Seek(file, field)) {
             std::fwrite(&length, 1, 8, file);
+            NoteStreamState();
             Seek(file, end);
         }
     }
@@ -225,11 +448,11 @@ struct BQuorvelArchive::State {
         pending[entry].m_written = true;
     }
 
-    SP<BSmartObj> Load(std::string const& key) {
-        if (auto found = objects.find(key); found != objects.end())
-            return found->second;
-        auto offset = offsets.find(key);
-        if (key.empty() || !Good() || offset == offsets.end() || !Seek(file, offset->second))
+    SP<BSmartObj> Load(std::string_view key) {
+        KeyEntry* entry = keys.Find(key);
+        if (entry && entry->object)
+            return entry->object;
+        if (!entry || entry->offset < 0 || key.empty() || !Good() || !SeekRead(entry->offset))
             return nullptr;
         BString id, name, className;
         int version = 0;
@@ -241,52 +464,71 @@ struct BQuorvelArchive::State {
         NArchive::ReadFunction read = BArchive::SmartObjReadFunction(className);
         if (!read)
             return nullptr; // an unknown class is no error: references to it come out null
-        SP<BSmartObj> object = RunReadFunction(read, version);
+        NoteBook::Stretch stretch;
+        SP<BSmartObj> object = RunReadFunction(read, version, stretch);
         if (object)
-            Enter(object, key, id.View() == key ? name : id);
+            Enter(object, stretch, key, id.View() == key ? name : id);
         return object;
     }
 
     // Runs a read function and keeps the reference numbers that it noted only if it built an
-    // object: the fields of an object that was given up are gone, and their addresses may
-    // soon belong to someone else.
-    SP<BSmartObj> RunReadFunction(NArchive::ReadFunction read, int version) {
-        std::vector<void*> fields;
-        std::vector<void*>* outer = std::exchange(readingFields, &fields);
+    // object.
+    SP<BSmartObj> RunReadFunction(NArchive::ReadFunction read, int version,
+                                  NoteBook::Stretch& stretch) {
+        NoteBook::Mark begun = notes.Begin();
         SP<BSmartObj> object;
         try {
             object = read(owner, version);
         } catch (...) {
-            readingFields = outer;
-            Forget(fields);
+            notes.Drop(notes.End(begun));
             throw;
         }
-        readingFields = outer;
+        stretch = notes.End(begun);
         if (!object)
-            Forget(fields);
+            notes.Drop(stretch);
         return object;
     }
 
-    void Forget(std::vector<void*> const& fields) {
-        for (void* field : fields)
-            numbers.erase(field);
+    // Loaded objects are entered under both keys of their record. An object that a read
+    // function hands out a second time is entered again and has its associations updated
+    // again, as a dictionary entry set back to "not yet" would.
+    void Enter(SP<BSmartObj> const& object, NoteBook::Stretch const& stretch, std::string_view key,
+               BString const& otherKey) {
+        keys.Get(key).object = object;
+        if (!otherKey.IsEmpty())
+            keys.Get(otherKey.View()).object = object;
+        loaded.push_back({object, stretch});
     }
 
-    void Enter(SP<BSmartObj> const& object, std::string const& key, BString const& otherKey) {
-        objects[key] = object;
-        if (!otherKey.IsEmpty())
-            objects[Key(otherKey)] = object;
-        if (loadedSet.insert(object.get()).second)
-            loaded.push_back(object);
+    // Keys whose load failed in the running TakeOut are not queued again: loading them a
+    // second time would fail the same way, and read functions that give up after reading
+    // their references could otherwise queue each other for ever.
+    void Queue(KeyEntry& entry, std::string key) {
+        if (key.empty() || entry.object || entry.queued || entry.failed)
+            return;
+        entry.queued = true;
+        later.push_back(std::move(key));
+    }
+
+    void Fail(std::string_view key) {
+        KeyEntry& entry = keys.Get(key);
+        entry.failed = true;
+        failed.push_back(&entry);
+    }
+
+    void ForgetFailures() {
+        for (KeyEntry* entry : failed)
+            entry->failed = false;
+        failed.clear();
     }
 
     void LoadLater() {
         while (!later.empty()) {
             std::string key = std::move(later.front());
             later.pop_front();
-            laterKeys.erase(key);
+            keys.Get(key).queued = false;
             if (!Load(key))
-                failedKeys.insert(std::move(key));
+                Fail(key);
         }
     }
 
@@ -295,12 +537,21 @@ struct BQuorvelArchive::State {
     // once its call began, so a TakeOut from inside one cannot run it a second time.
     void ResolveLoaded() {
         while (firstUnresolved < loaded.size()) {
-            SP<BSmartObj> object = loaded[firstUnresolved++];
-            object->UpdateAssociations(owner);
+            Loaded& entry = loaded[firstUnresolved++];
+            SP<BSmartObj> object = entry.object;
+            NoteBook::Stretch stretch = entry.notes;
+            NoteBook::Stretch* outer = notes.SetCurrent(&stretch);
+            try {
+                object->UpdateAssociations(owner);
+            } catch (...) {
+                notes.SetCurrent(outer);
+                throw;
+            }
+            notes.SetCurrent(outer);
         }
-        // Every object has had its call: numbers still here belong to fields that no one
-        // resolves, and are dropped.
-        numbers.clear();
+        // Every object has had its call: notes still here belong to fields that no one
+        // resolves.
+        notes.ClearIfIdle();
     }
 };
 
@@ -343,10 +594,12 @@ BArchive::MODE BQuorvelArchive::Mode() const {
 void BQuorvelArchive::Insert(BSmartObj* object, char const* name) {
     State& s = *m_state;
     std::string key = name ? name : "";
-    if (!object || s.pendingObjects.contains(object) ||
-        (!key.empty() && s.pendingNames.contains(key)))
+    if (!object)
         return;
-    s.pendingObjects.insert(object);
+    State::Met& met = s.met[object];
+    if (met.pending || (!key.empty() && s.pendingNames.contains(key)))
+        return;
+    met.pending = true;
     if (!key.empty())
         s.pendingNames.insert(key);
     s.pending.push_back({SP<BSmartObj>(object), BString(std::string_view(key)), false});
@@ -364,6 +617,7 @@ bool BQuorvelArchive::Flush() {
     s.firstUnwritten = s.pending.size();
     s.DrainOutput();
     std::fflush(s.file);
+    s.NoteStreamState();
     return true;
 }
 
@@ -373,11 +627,11 @@ SP<BSmartObj> BQuorvelArchive::TakeOut(char const* name) {
         return nullptr;
     struct ForgetFailures {
         State& s;
-        ~ForgetFailures() { s.failedKeys.clear(); }
+        ~ForgetFailures() { s.ForgetFailures(); }
     } guard{s};
     SP<BSmartObj> object = s.Load(name);
     if (!object)
-        s.failedKeys.insert(name);
+        s.Fail(name);
     s.LoadLater();
     s.ResolveLoaded();
     return VerifyObjects() ? object : nullptr;
@@ -386,14 +640,15 @@ SP<BSmartObj> BQuorvelArchive::TakeOut(char const* name) {
 SP<BSmartObj> BQuorvelArchive::QueryObject(void* reference) const {
     if (!reference)
         return nullptr;
-    auto found = m_state->objects.find(Key(BSmartObj::Id(reference)));
-    return found == m_state->objects.end() ? nullptr : found->second;
+    // The number is the key, in the form BSmartObj::Id gives it.
+    KeyEntry* entry = m_state->keys.Find(reinterpret_cast<std::uintptr_t>(reference));
+    return entry ? entry->object : nullptr;
 }
 
 unsigned long long BQuorvelArchive::ReadMemoryBlock(void* buffer, unsigned long long size) {
     if (size == 0 || m_state->mode != READ || !m_state->Good())
         return 0;
-    return std::fread(buffer, 1, size, m_state->file);
+    return m_state->Read(buffer, size);
 }
 
 unsigned long long BQuorvelArchive::WriteMemoryBlock(void const* buffer, unsigned long long size) {
@@ -403,25 +658,23 @@ unsigned long long BQuorvelArchive::WriteMemoryBlock(void const* buffer, unsigne
 }
 
 bool BQuorvelArchive::VerifyObjects() {
-    for (SP<BSmartObj> const& object : m_state->loaded)
-        if (!object->VerifyObj())
+    for (State::Loaded const& entry : m_state->loaded)
+        if (!entry.object->VerifyObj())
             return false;
     return true;
 }
 
 unsigned int BQuorvelArchive::MapPointerToIndex(void* object) {
-    auto& indexes = m_state->indexes;
-    auto [entry, added] = indexes.try_emplace(object, 0u);
-    if (added) {
-        // Null holds 0, so the number of entries before this one is the new index.
-        std::size_t index = indexes.size() - 1;
-        if (index > 0xFFFFFFFFu) {
-            indexes.erase(entry);
+    State& s = *m_state;
+    State::Met& met = s.met[object];
+    if (!met.indexed) {
+        // Null holds 0, so the number of objects numbered so far is the new index.
+        if (s.indexed > 0xFFFFFFFFu)
             ThrowError();
-        }
-        entry->second = static_cast<unsigned int>(index);
+        met.index = static_cast<unsigned int>(s.indexed++);
+        met.indexed = true;
     }
-    return entry->second;
+    return met.index;
 }
 
 bool BQuorvelArchive::Force64bitFormat() const {
@@ -429,13 +682,9 @@ bool BQuorvelArchive::Force64bitFormat() const {
 }
 
 void BQuorvelArchive::TakeOutLater(BString key) {
-    State& s = *m_state;
-    std::string text = Key(key);
-    if (text.empty() || s.objects.contains(text) || s.laterKeys.contains(text) ||
-        s.failedKeys.contains(text))
-        return;
-    s.laterKeys.insert(text);
-    s.later.push_back(std::move(text));
+    std::string text(key.View());
+    if (!text.empty())
+        m_state->Queue(m_state->keys.Get(text), text);
 }
 
 WString BQuorvelArchive::Path() const {
@@ -444,22 +693,13 @@ WString BQuorvelArchive::Path() const {
 
 void BQuorvelArchive::NoteReference(void* field, unsigned long long number, bool load) {
     State& s = *m_state;
-    if (number == 0) {
-        s.numbers.erase(field); // 0 stands for null: nothing to resolve
-        return;
-    }
-    s.numbers[field] = number;
-    if (s.readingFields)
-        s.readingFields->push_back(field);
+    if (number == 0)
+        return; // 0 stands for null: nothing to resolve
+    s.notes.Add(field, number);
     if (load)
-        TakeOutLater(BSmartObj::Id(number));
+        s.Queue(s.keys.Get(number), NumberKey(number));
 }
 
 bool BQuorvelArchive::TakeReference(void* field, unsigned long long& number) {
-    auto found = m_state->numbers.find(field);
-    if (found == m_state->numbers.end())
-        return false;
-    number = found->second;
-    m_state->numbers.erase(found);
-    return true;
+    return m_state->notes.Take(field, number);
 }

@@ -5,28 +5,17 @@
 #pragma once
 
 #include <cstdint>
-#include <list>
+#include <qv/core/containers/DList.h>
 #include <qv/persistence/BArchive.h>
 #include <string>
 #include <unordered_set>
 #include <vector>
 
-// The shape of DList that the list forms rely on, over std::list: elements keep their
-// addresses.
+// The node lists are DLists; tests reach an element by its index.
 template <class T>
-class TestList {
+class TestList : public DList<T> {
 public:
-    int Count() const { return static_cast<int>(m_items.size()); }
-    void AddTail(T const& value) { m_items.push_back(value); }
-    void RemoveAll() { m_items.clear(); }
-    auto begin() { return m_items.begin(); }
-    auto end() { return m_items.end(); }
-    auto begin() const { return m_items.begin(); }
-    auto end() const { return m_items.end(); }
-    T const& operator[](int i) const { return *std::next(m_items.begin(), i); }
-
-private:
-    std::list<T> m_items;
+    T const& operator[](int i) const { return this->PositionAt(i).Value(); }
 };
 
 // Puts some data in front of the virtual base, so that the BSmartObj part of an ArchiveTag
@@ -78,8 +67,12 @@ public:
         archive.WriteIndex(m_parent);
         archive << m_text << m_value;
     }
-    static SP<BSmartObj> Read(BArchive& archive, int) {
-        SP<ArchiveItem> item = new ArchiveItem;
+    static SP<BSmartObj> Read(BArchive& archive, int version) {
+        return ReadAs<ArchiveItem>(archive, version);
+    }
+    template <class T>
+    static SP<BSmartObj> ReadAs(BArchive& archive, int) {
+        SP<ArchiveItem> item = new T;
         archive.ReadObjectRef(item->m_object);
         archive.ReadObjectList(item->m_children);
         archive.ReadObjectList(item->m_tags);

@@ -108,6 +108,79 @@ TEST_F(ObjectArchive, CyclesThroughReferencesLoad) {
     la->m_object = nullptr;
 }
 
+// Resolves in the reverse order of reading, and a field it never read.
+struct BackwardItem : ArchiveItem {
+    void UpdateAssociations(BArchive& archive) override {
+        archive.ResolveIndex(m_parent);
+        archive.ResolveObjectList(m_tags);
+        archive.ResolveObjectList(m_children);
+        archive.ResolveObjectRef(m_object);
+        archive.ResolveObjectRef(m_unread);
+    }
+    SP<BSmartObj> m_unread;
+};
+bool const backwardRegistered = [] {
+    RegisterArchiveCallback("class BackwardItem", &ArchiveItem::ReadAs<BackwardItem>);
+    return true;
+}();
+
+TEST_F(ObjectArchive, ResolvingInAnyOrderFindsEachNumber) {
+    Write(Header() + Record("1", "tree", "class BackwardItem", 3, ItemData(3, {2, 3, 2}, 2, "r")) +
+          Record("2", "", "class ArchiveItem", 3, ItemData(0, {}, 1, "a")) +
+          Record("3", "", "class ArchiveTag", 0, Le32(7)));
+    auto in = Open();
+    SP<BackwardItem> root(in->TakeOut("tree"));
+    ASSERT_TRUE(root);
+    ArchiveItem* a = root->m_children[0];
+    EXPECT_EQ(Text(a), "a");
+    EXPECT_FALSE(root->m_children[1]); // a tag is no item
+    EXPECT_EQ(root->m_children[2].get(), a);
+    EXPECT_EQ(root->m_parent, a);
+    EXPECT_EQ(SP<ArchiveTag>(root->m_object)->m_value, 7);
+    EXPECT_FALSE(root->m_unread);
+    EXPECT_EQ(a->m_parent, root.get());
+    root->m_parent = nullptr;
+}
+
+// Takes another object out from inside its read function, once its own bytes are read, and
+// from inside its UpdateAssociations.
+struct NestingItem : ArchiveItem {
+    static SP<BSmartObj> Read(BArchive& archive, int version) {
+        SP<NestingItem> item(ReadAs<NestingItem>(archive, version));
+        item->m_fromRead = archive.TakeOut("x");
+        return SP<BSmartObj>(item);
+    }
+    void UpdateAssociations(BArchive& archive) override {
+        m_fromUpdate = archive.TakeOut("y");
+        ArchiveItem::UpdateAssociations(archive);
+    }
+    SP<BSmartObj> m_fromRead, m_fromUpdate;
+};
+bool const nestingRegistered = [] {
+    RegisterArchiveCallback("class NestingItem", &NestingItem::Read);
+    return true;
+}();
+
+TEST_F(ObjectArchive, TakeOutFromInsideALoadKeepsTheOuterNumbers) {
+    Write(Header() + Record("1", "tree", "class NestingItem", 3, ItemData(3, {2, 3}, 0, "r")) +
+          Record("2", "x", "class ArchiveItem", 3, ItemData(0, {}, 1, "x")) +
+          Record("3", "y", "class ArchiveItem", 3, ItemData(0, {2}, 1, "y")));
+    auto in = Open();
+    SP<NestingItem> root(in->TakeOut("tree"));
+    ASSERT_TRUE(root);
+    EXPECT_EQ(Text(AsItem(root->m_fromRead)), "x");
+    EXPECT_EQ(Text(AsItem(root->m_fromUpdate)), "y");
+    ASSERT_EQ(root->m_children.Count(), 2);
+    EXPECT_EQ(root->m_children[0].get(), root->m_fromRead.get());
+    EXPECT_EQ(root->m_children[1].get(), root->m_fromUpdate.get());
+    EXPECT_EQ(root->m_object.get(), root->m_fromUpdate.get());
+    EXPECT_EQ(root->m_children[1]->m_children[0].get(), root->m_fromRead.get());
+    // The TakeOut inside the root's read function also worked off the later list, where the
+    // root had just put y: x and y were resolved before the root existed.
+    EXPECT_EQ(root->m_children[0]->m_parent, nullptr);
+    EXPECT_EQ(root->m_children[1]->m_parent, nullptr);
+}
+
 TEST_F(ObjectArchive, TakeOutByNameAndByHexadecimalId) {
     SP<ArchiveItem> root = Item("0");
     ArchiveItem* last = root;
@@ -283,6 +356,57 @@ TEST_F(ObjectArchive, WriteFailuresShowInIsGood) {
     EXPECT_FALSE(out.IsGood());
     EXPECT_FALSE(out.Flush());
     EXPECT_EQ(out.WriteMemoryBlock("x", 1), 0u);
+}
+
+struct FailingWriter : BSmartObj {
+    void WriteData(BArchive& archive) const override {
+        archive << std::int32_t(1);
+        throw BError(BError::kGeneralFailure, u"write");
+    }
+};
+
+TEST_F(ObjectArchive, AnExceptionFromWriteDataInTheDestructorLeavesARefusedFile) {
+    {
+        BQuorvelArchive out(Path().c_str(), BArchive::WRITE, kName, 3);
+        SP<ArchiveItem> good = Item("good");
+        out.Insert(good, "good");
+        EXPECT_TRUE(out.Flush());
+        out.Insert(new FailingWriter, "bad");
+    } // the destructor cannot report: the record keeps its placeholder
+    EXPECT_FALSE(Open()->IsGood());
+
+    BQuorvelArchive out(Path().c_str(), BArchive::WRITE, kName, 3);
+    out.Insert(new FailingWriter, "bad");
+    EXPECT_THROW(out.Flush(), BError);
+}
+
+TEST_F(ObjectArchive, KeysNotedForLaterLoadWithTheNextTakeOut) {
+    SP<ArchiveItem> a = Item("a");
+    SP<ArchiveItem> b = Item("b");
+    Store({{a, "a"}, {b, "b"}});
+    auto in = Open();
+    in->TakeOutLater("b");
+    in->TakeOutLater("");
+    SP<BSmartObj> first = in->TakeOut("a");
+    ASSERT_TRUE(first);
+    // b was loaded on the way: its id and its number now find it without a load.
+    SP<BSmartObj> second = in->QueryObject(reinterpret_cast<void*>(2));
+    ASSERT_TRUE(second);
+    EXPECT_EQ(Text(AsItem(second)), "b");
+    EXPECT_EQ(in->TakeOut("b").get(), second.get());
+    EXPECT_FALSE(in->QueryObject(reinterpret_cast<void*>(3)));
+}
+
+TEST_F(ObjectArchive, InsertInReadModeWritesNothing) {
+    SP<ArchiveItem> a = Item("a");
+    Store({{a, "a"}});
+    std::string const before = Bytes();
+    {
+        auto in = Open();
+        in->Insert(a, "other");
+        EXPECT_FALSE(in->Flush());
+    }
+    EXPECT_EQ(Bytes(), before);
 }
 
 TEST_F(ObjectArchive, FixedAnswersOfTheObjectArchive) {
