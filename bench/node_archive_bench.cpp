@@ -2,11 +2,10 @@
 // Boost.Serialization's binary archive of the same tree. A tree of n nodes is a root with
 // n / 100 branches of 99 leaves; every tenth node holds one shared object, which both archives
 // must store once and load as one instance.
+#include <benchmark/benchmark.h>
 #include <qv/persistence/BQuorvelArchive.h>
 #include <qv/persistence/BReadObjCallbackMap.h>
 #include <qv/tree/BNode.h>
-
-#include <benchmark/benchmark.h>
 
 #ifdef QV_BENCH_WITH_BOOST
 #include <boost/archive/binary_iarchive.hpp>
@@ -101,7 +100,7 @@ struct Calibration {
     double scale = 1.0, offset = 0.0;
     template <class A>
     void serialize(A& a, unsigned) {
-        a & scale & offset;
+        a& scale& offset;
     }
 };
 
@@ -114,12 +113,12 @@ struct Node {
     bool active = true, locked = false;
     template <class A>
     void serialize(A& a, unsigned) {
-        a & narrowText & object & children & parent & active & locked;
+        a& narrowText& object& children& parent& active& locked;
         std::size_t n = text.size();
-        a & n;
+        a& n;
         text.resize(n);
         for (char16_t& c : text)
-            a & reinterpret_cast<std::uint16_t&>(c);
+            a& reinterpret_cast<std::uint16_t&>(c);
     }
 };
 

@@ -1,9 +1,8 @@
 // Building and walking a tree of 1,000,000 nodes, with and without a registered dispatcher
 // that receives every change. The tree is 1,000 children of the root with 999 children each.
+#include <benchmark/benchmark.h>
 #include <qv/operations/BDispatcher.h>
 #include <qv/tree/BNode.h>
-
-#include <benchmark/benchmark.h>
 
 namespace {
 

@@ -4,10 +4,10 @@
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
-#include <string>
 #include <map>
 #include <qv/qvcore.h>
 #include <qv/tree/BNode.h>
+#include <string>
 #include <vector>
 
 namespace {
@@ -122,7 +122,8 @@ void StoreAndLoadTree() {
     std::string path = (std::filesystem::temp_directory_path() / "qvdemo_project.qva").string();
     WString widePath = WString::FromUtf8(path);
     {
-        BQuorvelArchive archive(widePath.CStr(), BArchive::WRITE, BString("class QvDemoProject"), 1);
+        BQuorvelArchive archive(widePath.CStr(), BArchive::WRITE, BString("class QvDemoProject"),
+                                1);
         archive.Insert(project, "project");
     } // the destructor flushes
     std::printf("\nstored in %s (%llu bytes)\n", path.c_str(),

@@ -1,13 +1,11 @@
-#include <qv/tree/BNode.h>
-
-#include <qv/operations/MessageNumbers.h>
-#include <qv/persistence/BArchive.h>
-#include <qv/operations/QVPost.h>
-#include <qv/platform/TextServices.h>
-#include <qv/tree/BVisitor.h>
-
 #include <cstdint>
 #include <cstdio>
+#include <qv/operations/MessageNumbers.h>
+#include <qv/operations/QVPost.h>
+#include <qv/persistence/BArchive.h>
+#include <qv/platform/TextServices.h>
+#include <qv/tree/BNode.h>
+#include <qv/tree/BVisitor.h>
 #include <vector>
 
 QV_REGISTER_CLASSNAME(BNode);

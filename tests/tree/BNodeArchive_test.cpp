@@ -1,15 +1,13 @@
 // The stored form of nodes, through real object archive files.
-#include <qv/persistence/BQuorvelArchive.h>
-#include <qv/persistence/BReadObjCallbackMap.h>
-#include <qv/tree/BNode.h>
-
-#include <gtest/gtest.h>
-
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <gtest/gtest.h>
 #include <iterator>
+#include <qv/persistence/BQuorvelArchive.h>
+#include <qv/persistence/BReadObjCallbackMap.h>
+#include <qv/tree/BNode.h>
 #include <string>
 #include <vector>
 
@@ -65,8 +63,7 @@ Bytes Record(std::string const& id, std::string const& name, int version, Bytes 
 
 // The data of a node with no object, attributes or annotations, children by number.
 Bytes NodeData(std::string const& narrow, std::string const& wide, std::uint64_t parent,
-               std::vector<std::uint64_t> const& children, int version = 2,
-               unsigned flags = 1) {
+               std::vector<std::uint64_t> const& children, int version = 2, unsigned flags = 1) {
     Bytes b;
     b.U64(0).I32(static_cast<std::int64_t>(children.size()));
     for (auto c : children)
@@ -115,8 +112,9 @@ class NodeArchiveTest : public ::testing::Test {
 protected:
     void SetUp() override {
         dir = fs::temp_directory_path() /
-              ("qv_node_archive_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) +
-               "_" + ::testing::UnitTest::GetInstance()->current_test_info()->name());
+              ("qv_node_archive_" +
+               std::to_string(::testing::UnitTest::GetInstance()->random_seed()) + "_" +
+               ::testing::UnitTest::GetInstance()->current_test_info()->name());
         fs::create_directories(dir);
         path = WString::FromUtf8((dir / "tree.qva").string());
     }

@@ -1,3 +1,5 @@
+#include <cstdint>
+#include <gtest/gtest.h>
 #include <qv/operations/BDispatcher.h>
 #include <qv/operations/MessageNumbers.h>
 #include <qv/tree/BNode.h>
@@ -6,10 +8,6 @@
 #include <qv/tree/BNodeChildItr.h>
 #include <qv/tree/BNodeItr.h>
 #include <qv/tree/BVisitor.h>
-
-#include <gtest/gtest.h>
-
-#include <cstdint>
 #include <string>
 #include <vector>
 
