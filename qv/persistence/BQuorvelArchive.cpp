@@ -319,8 +319,8 @@ struct BQuorvelArchive::State {
             return false;
         std::vector<std::pair<unsigned long long, long long>> numbered;
         std::size_t records = 0;
+        BString id, name, className; // reused: their blocks are filled in place
         while (position < end) {
-            BString id, name, className;
             int version = 0;
             unsigned long long size = 0;
             if (!BSmartObj::ReadPrefix(owner, id, name, className, version, size))
