@@ -52,6 +52,21 @@ TEST(ArchiveStreaming, StringImages) {
     EXPECT_EQ(d, WString(u"a\u00e9"));
 }
 
+TEST(ArchiveStreaming, ReadingIntoASharedStringLeavesTheOtherHolderAlone) {
+    MemoryArchive in("S\x03\0\0\0xyzS\x02\0\0\0ab"s);
+    BString target("a longer text");
+    BString other = target;
+    in >> target;
+    EXPECT_EQ(target, "xyz");
+    EXPECT_EQ(other, "a longer text");
+    BString const copy = target;
+    in >> target; // filled anew, not through the block it shares with copy
+    EXPECT_EQ(target, "ab");
+    EXPECT_EQ(copy, "xyz");
+    EXPECT_THROW(in >> target, ARCHIVE_EXCEPTION); // nothing left: the tag is missing
+    EXPECT_EQ(target, "ab");
+}
+
 TEST(ArchiveStreaming, NarrowStringWithoutItsTagThrows) {
     BString s;
     MemoryArchive wrong("T\0\0\0\0"s);
