@@ -25,17 +25,6 @@ TEST(ArchiveStreaming, PlainValuesAreTheirMemoryImage) {
     EXPECT_TRUE(b);
 }
 
-TEST(ArchiveStreaming, PlainReadsNeedReadModeAndAGoodArchive) {
-    MemoryArchive writing(Bytes({1, 0, 0, 0}), BArchive::WRITE);
-    std::int32_t value = 7;
-    writing >> value;
-    EXPECT_EQ(value, 7);
-    MemoryArchive bad(Bytes({1, 0, 0, 0}));
-    bad.m_good = false;
-    bad >> value;
-    EXPECT_EQ(value, 7);
-}
-
 TEST(ArchiveStreaming, StringImages) {
     MemoryArchive out({}, BArchive::WRITE);
     out << BString() << BString("ab") << WString() << WString(u"a\u00e9");
