@@ -4,6 +4,7 @@
 #include <qv/persistence/BArchive.h>
 #include <qv/persistence/BQuorvelArchive.h>
 #include <string>
+#include <typeinfo>
 
 namespace {
 
@@ -30,6 +31,14 @@ unsigned long long ReadUnits(BArchive& archive, std::basic_string<Unit>& out,
         piece = std::max(piece, static_cast<unsigned long long>(out.size()));
     }
     return out.size();
+}
+
+// The object archive behind an archive, or null. The class itself is the common case, and
+// recognising it costs less than a cast through the hierarchy, which is paid per reference.
+BQuorvelArchive* ObjectArchive(BArchive* archive) {
+    if (typeid(*archive) == typeid(BQuorvelArchive))
+        return static_cast<BQuorvelArchive*>(archive);
+    return dynamic_cast<BQuorvelArchive*>(archive);
 }
 
 } // namespace
@@ -113,7 +122,7 @@ NArchive::ReadFunction BArchive::SmartObjReadFunction(BString className) {
 // own branches beside the object archive's: on writing an object in place, on reading
 // TakeOut("") converted to the field's type.
 bool BArchive::IsObjectArchive() const {
-    return dynamic_cast<BQuorvelArchive const*>(this) != nullptr;
+    return ObjectArchive(const_cast<BArchive*>(this)) != nullptr;
 }
 
 unsigned long long BArchive::Number(BSmartObj* object) {
@@ -161,7 +170,7 @@ void BArchive::WriteRef(BSmartObj* object) {
 }
 
 void BArchive::ReadRef(void* field, bool load) {
-    auto* archive = dynamic_cast<BQuorvelArchive*>(this);
+    auto* archive = ObjectArchive(this);
     unsigned long long number = 0;
     if (archive && ReadNumber(number))
         archive->NoteReference(field, number, load);
@@ -172,7 +181,7 @@ void BArchive::NoteListElement(void* field, unsigned long long number) {
 }
 
 SP<BSmartObj> BArchive::Resolve(void* field, bool& noted) {
-    auto* archive = dynamic_cast<BQuorvelArchive*>(this);
+    auto* archive = ObjectArchive(this);
     unsigned long long number = 0;
     noted = archive && archive->TakeReference(field, number);
     if (!noted)

@@ -126,10 +126,11 @@ private:
     std::unordered_map<std::string, KeyEntry> m_named;
 };
 
-// Reference numbers of fields under load. Each read function that runs gets a reader number;
-// its notes are kept in order, and the loaded object remembers the stretch of notes that its
-// read function made. Its UpdateAssociations then finds each field there, mostly at the next
-// note, since classes resolve in the order they read.
+// Reference numbers of fields under load, null references included. Each read function that
+// runs gets a reader number; its notes are kept in order, and the loaded object remembers the
+// stretch of notes that its read function made. Its UpdateAssociations then finds each field
+// there: mostly at the next note, since classes resolve in the order they read, and otherwise
+// through an index of the stretch made once per object, so that any order stays linear.
 class NoteBook {
 public:
     struct Note {
@@ -170,13 +171,16 @@ public:
         m_notes.push_back({field, number, m_reader});
     }
     // The number noted for a field of the object whose stretch is current, or, outside
-    // UpdateAssociations, of any object; the note is used up.
+    // UpdateAssociations, of any object (a walk of all notes); the note is used up.
     bool Take(void* field, unsigned long long& number) {
-        if (!m_current)
-            return TakeIn(0, m_notes.size(), field, nullptr, number);
-        Stretch& s = *m_current;
-        return TakeIn(s.next, s.end, field, &s, number) ||
-               TakeIn(s.begin, s.next, field, &s, number);
+        std::size_t at = m_current ? Locate(*m_current, field) : LocateAnywhere(field);
+        if (at == kNone)
+            return false;
+        number = m_notes[at].number;
+        m_notes[at].field = nullptr;
+        if (m_current)
+            m_current->next = at + 1;
+        return true;
     }
     // Makes a stretch current and returns the one before (UpdateAssociations may call
     // TakeOut).
@@ -189,25 +193,38 @@ public:
     }
 
 private:
-    bool TakeIn(std::size_t from, std::size_t to, void* field, Stretch* stretch,
-                unsigned long long& number) {
-        for (std::size_t i = from; i < to; ++i) {
-            Note& note = m_notes[i];
-            if (note.field != field || (stretch && note.reader != stretch->reader))
-                continue;
-            number = note.number;
-            note.field = nullptr;
-            if (stretch)
-                stretch->next = i + 1;
-            return true;
+    static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
+    std::size_t Locate(Stretch const& stretch, void* field) {
+        if (stretch.next < stretch.end && m_notes[stretch.next].field == field &&
+            m_notes[stretch.next].reader == stretch.reader)
+            return stretch.next;
+        if (m_indexed != stretch.reader) {
+            m_index.clear();
+            for (std::size_t i = stretch.begin; i < stretch.end; ++i)
+                if (m_notes[i].field && m_notes[i].reader == stretch.reader)
+                    m_index.emplace(m_notes[i].field, i);
+            m_indexed = stretch.reader;
         }
-        return false;
+        auto found = m_index.find(field);
+        return found != m_index.end() && m_notes[found->second].field == field ? found->second
+                                                                               : kNone;
+    }
+
+    std::size_t LocateAnywhere(void* field) const {
+        for (std::size_t i = 0; i < m_notes.size(); ++i)
+            if (m_notes[i].field == field)
+                return i;
+        return kNone;
     }
 
     std::vector<Note> m_notes;
     std::uint32_t m_reader = 0;
     std::uint32_t m_readers = 0;
     Stretch* m_current = nullptr;
+    // The index of the stretch of one reader, made when its object resolves out of order.
+    std::unordered_map<void*, std::size_t> m_index;
+    std::uint32_t m_indexed = 0;
 };
 
 } // namespace
@@ -319,8 +336,8 @@ struct BQuorvelArchive::State {
             return false;
         std::vector<std::pair<unsigned long long, long long>> numbered;
         std::size_t records = 0;
+        BString id, name, className; // reused: their blocks are filled in place
         while (position < end) {
-            BString id, name, className;
             int version = 0;
             unsigned long long size = 0;
             if (!BSmartObj::ReadPrefix(owner, id, name, className, version, size))
@@ -693,10 +710,10 @@ WString BQuorvelArchive::Path() const {
 
 void BQuorvelArchive::NoteReference(void* field, unsigned long long number, bool load) {
     State& s = *m_state;
-    if (number == 0)
-        return; // 0 stands for null: nothing to resolve
+    // Null references are noted too (0 stands for null), so that a class that resolves in the
+    // order it read finds every field at the next note.
     s.notes.Add(field, number);
-    if (load)
+    if (load && number != 0)
         s.Queue(s.keys.Get(number), NumberKey(number));
 }
 

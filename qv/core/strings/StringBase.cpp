@@ -174,6 +174,14 @@ void StringBase<S, Unit>::SetAt(size_type pos, Unit c) {
 
 template <class S, class Unit>
 void StringBase<S, Unit>::Fill(size_type n, Unit c) {
+    // A block of our own that is large enough is filled in place, so that reading one string
+    // after another into the same variable (as the archive's record scan does) allocates once.
+    if (n && m_block && m_block->capacity >= n &&
+        m_block->count.load(std::memory_order_acquire) == 1) {
+        std::fill_n(m_block->Text(), n, c);
+        m_block->Text()[n] = 0;
+        return;
+    }
     Clear();
     if (n == 0)
         return;
