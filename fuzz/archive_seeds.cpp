@@ -4,6 +4,7 @@
 #include "ArchiveTestSupport.h"
 
 #include <qv/persistence/BQuorvelArchive.h>
+#include <qv/tree/BNode.h>
 #include <string>
 
 namespace {
@@ -33,6 +34,23 @@ void WriteTree(std::string const& path) {
     out.Insert(tag, "tag");
 }
 
+// A tree of nodes, the library's own storable class, with shared objects and annotations.
+void WriteNodes(std::string const& path) {
+    SP<BNode> root = new BNode;
+    root->SetText(u"root");
+    SP<ArchiveItem> shared = Item(u"shared");
+    for (char16_t const* path : {u"a/x", u"a/y", u"b", u"c/z/w"}) {
+        BNode* node = root->QueryChild(path);
+        node->SetObj(shared);
+        node->AddAnnotation(shared);
+        node->Lock(true);
+    }
+    root->Child(u"b")->Deactivate();
+    BQuorvelArchive out(Wide(path).c_str(), BArchive::WRITE, "class Fuzz", 1);
+    out.Insert(root, "root");
+    out.Insert(root->Child(u"c/z"), "tree");
+}
+
 void WriteEmpty(std::string const& path) {
     BQuorvelArchive out(Wide(path).c_str(), BArchive::WRITE, "class Fuzz", 1);
 }
@@ -54,6 +72,7 @@ int main(int argc, char** argv) {
         return 2;
     std::string const dir = argv[1];
     WriteTree(dir + "/tree.qva");
+    WriteNodes(dir + "/nodes.qva");
     WriteEmpty(dir + "/empty.qva");
     WriteOlder(dir + "/format6.qva", 6);
     WriteOlder(dir + "/format7.qva", 7);

@@ -32,6 +32,10 @@ bool BDispatcher::DispatcherSend(unsigned int message, unsigned long long param1
     return dispatcher && dispatcher->Send(message, param1, param2);
 }
 
+bool BDispatcher::IsRegistered() {
+    return g_dispatcher.get() != nullptr;
+}
+
 unsigned long BDispatcher::DispatcherThreadId() {
     BDispatcher* dispatcher = g_dispatcher.get();
     return dispatcher ? dispatcher->ThreadId() : 0xFFFFFFFFul;

@@ -44,6 +44,9 @@ public:
                                unsigned long long param2);
     static bool DispatcherSend(unsigned int message, unsigned long long param1,
                                unsigned long long param2);
+    // Whether a dispatcher is registered: senders with work to do before a send (a node
+    // finding its root) skip it when the message would vanish anyway.
+    static bool IsRegistered();
     // ThreadId of the dispatcher, or 0xFFFFFFFF without one.
     static unsigned long DispatcherThreadId();
     static bool CurrentThreadIsDispatcherThread();

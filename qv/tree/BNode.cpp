@@ -1,5 +1,6 @@
 #include <cstdint>
 #include <cstdio>
+#include <qv/operations/BDispatcher.h>
 #include <qv/operations/MessageNumbers.h>
 #include <qv/operations/QVPost.h>
 #include <qv/persistence/BArchive.h>
@@ -175,7 +176,8 @@ void BNode::ClaimChildren() {
     // every invariant of a tree built by calls.
     for (auto pos = m_children.HeadPosition(); pos.IsValid();) {
         BNode* child = *pos;
-        if (!child || child->m_place.IsValid() || child == this || child->IsGrandParent(this)) {
+        if (!child || child->m_place.IsValid() || child == this ||
+            (child->HasOwnChildren() && child->IsGrandParent(this))) {
             m_children.RemoveAt(pos);
             continue;
         }
@@ -183,6 +185,13 @@ void BNode::ClaimChildren() {
         child->m_place = pos;
         pos.Next();
     }
+}
+
+bool BNode::HasOwnChildren() const {
+    // Only a node that parents a child can be above another. A loaded node parents nothing
+    // until its own ClaimChildren has run, so loading a deep chain walks no chains.
+    auto head = m_children.HeadPosition();
+    return head.IsValid() && *head && (*head)->m_parent == this;
 }
 
 template <class T>
@@ -436,8 +445,11 @@ void BNode::RemoveAnnotations() {
 // ---- children --------------------------------------------------------------------------------
 
 bool BNode::AddChild(BNode* child, int position) {
-    // A node below itself would make a cycle of owners that nothing could ever free.
-    if (!child || child->m_parent || child == this || child->IsGrandParent(this))
+    // A node below itself would make a cycle of owners that nothing could ever free. Only a
+    // child with children of its own can be above this node, so adding a fresh node costs no
+    // walk up the tree.
+    if (!child || child->m_parent || child == this ||
+        (child->HasOwnChildren() && child->IsGrandParent(this)))
         return false;
     if (position < 0 || position >= ChildNum()) {
         Append(child, true);
@@ -624,7 +636,9 @@ void BNode::IsMessageDispatcher(bool dispatcher) {
 }
 
 void BNode::SendMsg(unsigned int message, unsigned long long param1, unsigned long long param2) {
-    if (IsMessageDispatcher())
+    // Finding the root costs the depth of the node; without a dispatcher the message would
+    // vanish anyway.
+    if (BDispatcher::IsRegistered() && IsMessageDispatcher())
         QVSend(message, param1, param2);
 }
 

@@ -113,6 +113,7 @@ private:
     template <class T>
     static void DropNulls(DList<SP<T>>& list);
     void ClaimChildren();
+    bool HasOwnChildren() const;
 
     SP<BSmartObj> m_object;
     DList<SP<BNode>> m_children;

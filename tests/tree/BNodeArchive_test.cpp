@@ -243,3 +243,19 @@ TEST_F(NodeArchiveTest, DamagedReferencesLeaveATree) {
     }
     // LeakSanitizer checks that no cycle of owners was built.
 }
+
+TEST_F(NodeArchiveTest, DeepChainStoresAndLoadsInLinearTime) {
+    constexpr int kDepth = 50000;
+    SP<BNode> root = new BNode;
+    BNode* tip = root;
+    for (int i = 0; i < kDepth; ++i)
+        tip = tip->QueryChild(u"n");
+    Store(root);
+    root = nullptr;
+    SP<BNode> loaded = Load("tree");
+    ASSERT_TRUE(loaded);
+    int depth = 0;
+    for (BNode* n = loaded; n->ChildNum() == 1; n = n->Child(0))
+        ++depth;
+    EXPECT_EQ(depth, kDepth);
+}
