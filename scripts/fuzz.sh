@@ -12,4 +12,5 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 build/fuzz/fuzz/archive_seeds "$work"
 build/fuzz/fuzz/archive_fuzzer -max_total_time=60 -timeout=10 -rss_limit_mb=2048 -max_len=4096 \
+  -artifact_prefix=build/fuzz/ \
   -print_final_stats=1 "$@" "$work" fuzz/corpus/archive

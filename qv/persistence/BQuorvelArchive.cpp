@@ -489,13 +489,17 @@ struct BQuorvelArchive::State {
     }
 
     // Runs a read function and keeps the reference numbers that it noted only if it built an
-    // object.
+    // object. A string that cannot be read inside the record (ARCHIVE_EXCEPTION) makes the
+    // record unreadable, so its object comes out null: that exception never leaves the
+    // library. Anything else a read function throws passes on to the caller.
     SP<BSmartObj> RunReadFunction(NArchive::ReadFunction read, int version,
                                   NoteBook::Stretch& stretch) {
         NoteBook::Mark begun = notes.Begin();
         SP<BSmartObj> object;
         try {
             object = read(owner, version);
+        } catch (ARCHIVE_EXCEPTION) {
+            object = nullptr;
         } catch (...) {
             notes.Drop(notes.End(begun));
             throw;

@@ -259,3 +259,17 @@ TEST_F(NodeArchiveTest, DeepChainStoresAndLoadsInLinearTime) {
         ++depth;
     EXPECT_EQ(depth, kDepth);
 }
+
+TEST_F(NodeArchiveTest, UnreadableStringInsideARecordGivesNull) {
+    Bytes data;
+    data.U64(0).I32(0).I32(0).U8('X').I32(1).U8('a').U64(0).U8(1).WStr("a").I32(0);
+    Bytes file = Header("class QvTest", 3);
+    file.Append(Record("1", "bad", 2, data));
+    file.Append(Record("2", "good", 2, NodeData("g", "g", 0, {})));
+    WriteFile(file);
+    BQuorvelArchive archive(path.CStr(), BArchive::READ, BString("class QvTest"), 3);
+    SP<BSmartObj> bad;
+    EXPECT_NO_THROW(bad = archive.TakeOut("bad"));
+    EXPECT_FALSE(bad);
+    EXPECT_TRUE(archive.TakeOut("good")) << "the archive goes on with other records";
+}
