@@ -164,9 +164,14 @@ void BNode::UpdateAssociations(BArchive& archive) {
     archive.ResolveObjectList(m_children);
     archive.ResolveObjectList(m_attributes);
     archive.ResolveObjectList(m_annotations);
+    // A loaded node owns other nodes through its child list only. A node as object,
+    // attribute or annotation comes from a damaged file (or from a graph the Windows library
+    // would leak) and could close a cycle of owners that nothing ever frees; it is dropped.
+    if (dynamic_cast<BNode*>(m_object.get()))
+        m_object = nullptr;
     ClaimChildren();
-    DropNulls(m_attributes);
-    DropNulls(m_annotations);
+    DropNullsAndNodes(m_attributes);
+    DropNullsAndNodes(m_annotations);
 }
 
 void BNode::ClaimChildren() {
@@ -195,9 +200,9 @@ bool BNode::HasOwnChildren() const {
 }
 
 template <class T>
-void BNode::DropNulls(DList<SP<T>>& list) {
+void BNode::DropNullsAndNodes(DList<SP<T>>& list) {
     for (auto pos = list.HeadPosition(); pos.IsValid();)
-        if (*pos)
+        if (*pos && !dynamic_cast<BNode*>(pos->get()))
             pos.Next();
         else
             list.RemoveAt(pos);

@@ -111,7 +111,7 @@ private:
     template <class T>
     static bool RemoveFrom(DList<SP<T>>& list, T const* element);
     template <class T>
-    static void DropNulls(DList<SP<T>>& list);
+    static void DropNullsAndNodes(DList<SP<T>>& list);
     void ClaimChildren();
     bool HasOwnChildren() const;
 

@@ -273,3 +273,19 @@ TEST_F(NodeArchiveTest, UnreadableStringInsideARecordGivesNull) {
     EXPECT_FALSE(bad);
     EXPECT_TRUE(archive.TakeOut("good")) << "the archive goes on with other records";
 }
+
+TEST_F(NodeArchiveTest, LoadedNodesOwnNodesThroughChildrenOnly) {
+    // Node 1 is its own object and annotates node 2, which is its child: both would close a
+    // cycle of owners.
+    Bytes data;
+    data.U64(1).I32(1).U64(2).I32(0).Str("1").U64(0).U8(1).WStr("1").I32(1).U64(2);
+    Bytes file = Header("class QvTest", 3);
+    file.Append(Record("1", "one", 2, data));
+    file.Append(Record("2", "", 2, NodeData("2", "2", 1, {})));
+    WriteFile(file);
+    SP<BNode> one = Load("one");
+    ASSERT_TRUE(one);
+    EXPECT_EQ(one->GetObj(), nullptr);
+    EXPECT_EQ(one->AnnotationNum(), 0);
+    EXPECT_EQ(one->ChildNum(), 1);
+}
