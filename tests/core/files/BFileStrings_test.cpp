@@ -72,6 +72,25 @@ TEST(BFileStrings, ReadLnOnAnsiTextAndBinaryStreams) {
     EXPECT_EQ(ReadAllLines<WString>(in), expected);
 }
 
+TEST(BFileStrings, AZeroUnitEndsTheLinesTextButNotItsRead) {
+    TempDir dir;
+    // A piece is read through its line feed, but its text ends at a zero unit: a piece whose
+    // text is short ends the line, the rest of the piece is gone, and the next line starts
+    // with the next piece.
+    std::u16string text = u"abc\r\nxy\0z\r\n"s + std::u16string(600, u'a') + u"\r\nend";
+    text[11 + 100] = 0;
+    text.replace(11 + 511, 89, 89, u'b');
+    WriteBytes(dir / "z.txt", Utf16File(text));
+    BFile in(dir.U("z.txt").c_str(), u"r,ccs=UTF-16LE");
+    std::vector<WString> const expected{u"abc", u"xy", WString(std::u16string(100, u'a')),
+                                        WString(std::u16string(89, u'b')), u"end"};
+    EXPECT_EQ(ReadAllLines<WString>(in), expected);
+    WriteBytes(dir / "z.bin", "ab\0cd\nef\n"s);
+    BFile bin(dir.U("z.bin").c_str(), u"rb");
+    std::vector<BString> const narrow{"ab", "ef", ""};
+    EXPECT_EQ(ReadAllLines<BString>(bin), narrow);
+}
+
 TEST(BFileStrings, LongLinesComeBackWholeThroughUtf16Text) {
     TempDir dir;
     // Around the piece of 511 units: a piece that is exactly a line with its line feed, a line
