@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -14,6 +15,10 @@
 #include <unicode/uset.h>
 #include <unicode/ustring.h>
 #include <unicode/uvernum.h>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define QV_PLAIN_STRLEN 1
@@ -36,27 +41,25 @@ unsigned AnsiCodePageGeneration(); // CodePage.cpp
 int lstrlenW(char16_t const* s) {
     if (s == nullptr)
         return 0;
-    char16_t const* p = s;
-#ifndef QV_PLAIN_STRLEN
-    // Four units at a time. Loads are 8-byte aligned, so a load never crosses into the page
-    // after the one holding the terminator; what it reads past the terminator is ignored.
-    if ((reinterpret_cast<std::uintptr_t>(p) & 1) == 0) {
-        while ((reinterpret_cast<std::uintptr_t>(p) & 7) != 0) {
-            if (*p == 0)
-                return static_cast<int>(p - s);
-            ++p;
-        }
-        constexpr std::uint64_t ones = 0x0001000100010001ull;
-        constexpr std::uint64_t highs = 0x8000800080008000ull;
-        for (;;) {
-            std::uint64_t word;
-            std::memcpy(&word, p, sizeof word);
-            if (((word - ones) & ~word & highs) != 0)
-                break;
-            p += 4;
-        }
+#if defined(__SSE2__) && !defined(QV_PLAIN_STRLEN)
+    // Eight units at a time with 16-byte aligned loads: an aligned load never crosses into the
+    // page after the one holding the terminator. The units of the first load that lie before
+    // the text are masked off; what a load reads behind the terminator is ignored.
+    auto const start = reinterpret_cast<std::uintptr_t>(s);
+    if ((start & 1) == 0) {
+        __m128i const zero = _mm_setzero_si128();
+        auto const* block = reinterpret_cast<__m128i const*>(start & ~std::uintptr_t{15});
+        unsigned mask =
+            static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi16(_mm_load_si128(block), zero))) &
+            (~0u << (start & 15));
+        while (mask == 0)
+            mask = static_cast<unsigned>(
+                _mm_movemask_epi8(_mm_cmpeq_epi16(_mm_load_si128(++block), zero)));
+        auto const end = reinterpret_cast<std::uintptr_t>(block) + std::countr_zero(mask);
+        return static_cast<int>((end - start) / 2);
     }
 #endif
+    char16_t const* p = s;
     while (*p != 0)
         ++p;
     return static_cast<int>(p - s);

@@ -108,6 +108,14 @@ char16_t* fgetws16(char16_t* buffer, int count, std::FILE* stream) {
     return n ? buffer : nullptr;
 }
 
+void _lock_file(std::FILE* stream) {
+    ::flockfile(stream);
+}
+
+void _unlock_file(std::FILE* stream) {
+    ::funlockfile(stream);
+}
+
 int fputwc16(char16_t c, std::FILE* stream) {
     return fputws16(std::u16string(1, c).c_str(), stream) < 0 ? kWEOF : c;
 }

@@ -23,6 +23,10 @@ int fgetwc16(std::FILE* stream);
 // Reads at most count - 1 units, up to and including a line feed, and terminates them.
 // Null when nothing could be read.
 char16_t* fgetws16(char16_t* buffer, int count, std::FILE* stream);
+// Takes and gives up the stream's lock, which its owner may take again: a run of calls on the
+// stream then pays for the lock once, as each call's own locking becomes a nested one.
+void _lock_file(std::FILE* stream);
+void _unlock_file(std::FILE* stream);
 // Writes one unit; returns it, or kWEOF on an error.
 int fputwc16(char16_t c, std::FILE* stream);
 // Writes the text without its terminator; a non-negative value, or -1 on an error.

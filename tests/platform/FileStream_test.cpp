@@ -31,10 +31,6 @@ std::string FreadAll(std::string const& path, char16_t const* mode) {
     return out;
 }
 
-std::string DataFile(char const* name) {
-    return ReadBytes(std::string(QV_TEST_DATA_DIR "/") + name);
-}
-
 } // namespace
 
 TEST(FileStream, Utf16WritingMatchesWindowsByteForByte) {

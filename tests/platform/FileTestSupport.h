@@ -43,6 +43,11 @@ inline std::string ReadBytes(std::string const& path) {
     return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
+// A file kept with the tests, such as the bytes Windows wrote for a known text.
+inline std::string DataFile(char const* name) {
+    return ReadBytes(std::string(QV_TEST_DATA_DIR "/") + name);
+}
+
 inline void WriteBytes(std::string const& path, std::string const& bytes) {
     std::ofstream(path, std::ios::binary) << bytes;
 }

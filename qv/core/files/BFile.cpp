@@ -133,13 +133,16 @@ int BFile::ConvertToUnicode(char16_t const* path) {
     BString ansi;
     if (!path || !ReadAnsiText(path, ansi))
         return kFileError;
-    WString const text(ansi);
+    WString text(ansi);
     BFile file;
     if (!file.Open(path, u"wt,ccs=UNICODE"))
         return kFileError;
-    // Windows writes the text through one formatted write with each '%' doubled; writing it
-    // unformatted gives the same bytes.
-    fputws16(text.CStr(), file);
+    // One formatted wide write, as on Windows: the text is the format, so each '%' is doubled
+    // first and the formatting gives the text back unchanged.
+    text.Replace(u"%", u"%%");
+    WString formatted;
+    formatted.Printf(text.CStr());
+    fputws16(formatted.CStr(), file);
     return 0;
 }
 

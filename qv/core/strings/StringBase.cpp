@@ -104,6 +104,14 @@ void StringBase<S, Unit>::Unshare() {
 }
 
 template <class S, class Unit>
+Unit* StringBase<S, Unit>::TailRoom(size_type length, size_type n) {
+    if (length + n > m_block->capacity)
+        Reset(CreateShared(m_block->Text(), length,
+                           std::max<size_type>(length + n, 2 * m_block->capacity)));
+    return m_block->Text() + length;
+}
+
+template <class S, class Unit>
 S StringBase<S, Unit>::Concat(Unit const* a, Unit const* b) {
     size_type la = a ? Traits::Length(a) : 0;
     size_type lb = b ? Traits::Length(b) : 0;

@@ -254,6 +254,9 @@ protected:
     static void FreeBlock(Block* b) noexcept;
     void Reset(Block* b) noexcept; // takes b's first reference, releases the old block
     void Unshare();                // afterwards the object always holds a private block
+    // On a private block: keeps its first length units and makes room for n more and a
+    // terminator behind them, growing geometrically; returns where the n units go.
+    Unit* TailRoom(size_type length, size_type n);
     S& Self() noexcept { return static_cast<S&>(*this); }
     template <class Pred>
     bool All(Pred pred) const;

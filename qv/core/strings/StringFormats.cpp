@@ -54,6 +54,18 @@ template <class... A>
 int Scan(char16_t const* text, char16_t const* format, A... args) {
     return qv::platform::swscanf(text, format, args...);
 }
+// Holds a stream's lock over a run of calls on it.
+class FileLock {
+public:
+    explicit FileLock(std::FILE* f) : m_file(f) { qv::platform::_lock_file(f); }
+    ~FileLock() { qv::platform::_unlock_file(m_file); }
+    FileLock(FileLock const&) = delete;
+    FileLock& operator=(FileLock const&) = delete;
+
+private:
+    std::FILE* m_file;
+};
+
 char* GetLine(char* b, int n, std::FILE* s) {
     return std::fgets(b, n, s);
 }
@@ -320,20 +332,33 @@ bool StringBase<S, Unit>::FWrite(std::FILE* stream) const {
 
 template <class S, class Unit>
 bool StringBase<S, Unit>::ReadLn(std::FILE* stream) {
-    if (!stream || std::feof(stream))
+    if (!stream)
         return false;
-    // Emptied, but with a private block, as the line is built in it.
-    Unshare();
-    m_block->Text()[0] = 0;
-    constexpr int kPiece = 512;
-    Unit piece[kPiece];
-    while (GetLine(piece, kPiece, stream)) {
-        size_type n = Traits::Length(piece);
-        Append(piece);
-        if (n < kPiece - 1 || piece[n - 1] == '\n')
+    FileLock const lock(stream); // one lock for the test and all the pieces of the line
+    if (std::feof(stream))
+        return false;
+    // Emptied, but with a private block, as the line is built in it. The pieces are read
+    // straight into the block's free tail, so a line costs one scan of each piece and, once
+    // the block holds a piece, no allocation.
+    constexpr size_type kPiece = 511;
+    if (!m_block || m_block->count.load(std::memory_order_acquire) > 1)
+        Reset(CreateShared(kPiece));
+    size_type length = 0;
+    for (;;) {
+        Unit* piece = TailRoom(length, kPiece);
+        if (!GetLine(piece, kPiece + 1, stream)) {
+            piece[0] = 0; // fgets leaves the buffer undefined on an error
+            break;
+        }
+        size_type const n = Traits::Length(piece);
+        length += n;
+        if (n < kPiece || piece[n - 1] == Unit('\n'))
             break;
     }
-    TrimRight(Unit('\n'));
+    Unit* text = m_block->Text();
+    while (length > 0 && text[length - 1] == Unit('\n'))
+        --length;
+    text[length] = 0;
     return true;
 }
 
