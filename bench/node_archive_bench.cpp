@@ -79,12 +79,15 @@ void Qv_Load(benchmark::State& state) {
     WString path = WString::FromUtf8(TempFile("qv_bench_tree.qva"));
     WriteQv(BuildTree(state.range(0)), path);
     for (auto _ : state) {
-        BQuorvelArchive archive(path.CStr(), BArchive::READ, BString("class BenchTree"), 1);
-        SP<BNode> root = archive.TakeOut("tree");
+        SP<BNode> root;
+        {
+            BQuorvelArchive archive(path.CStr(), BArchive::READ, BString("class BenchTree"), 1);
+            root = archive.TakeOut("tree");
+        } // the archive's teardown is part of loading; the tree outlives it through root
         if (!root || root->ChildNum() == 0)
             state.SkipWithError("load failed");
         benchmark::DoNotOptimize(root.get());
-        state.PauseTiming(); // freeing the tree is not loading it
+        state.PauseTiming(); // freeing the tree is not loading it, on either side
         root = nullptr;
         state.ResumeTiming();
     }
