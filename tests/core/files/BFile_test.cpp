@@ -48,39 +48,6 @@ TEST(BFile, OpensOnceClosesAndRewinds) {
     EXPECT_TRUE(shared.OpenShared(dir.U("a.txt").c_str(), u"r,ccs=UTF-16LE"));
 }
 
-TEST(BFile, EveryModeTheSystemUsesRoundTrips) {
-    TempDir dir;
-    std::u16string const text = u"$KEY\tGr\u00FC\u00DF 100%\nzwei\n";
-    for (char16_t const* mode : {u"wt,ccs=UNICODE", u"wt,ccs=UTF-16LE"}) {
-        {
-            BFile out(dir.U("t.txt").c_str(), mode);
-            ASSERT_EQ(qv::platform::fputws16(text.c_str(), out), 0);
-        }
-        EXPECT_EQ(ReadBytes(dir / "t.txt").substr(0, 4), "\xFF\xFE$\0"s);
-        BFile in(dir.U("t.txt").c_str(), u"r,ccs=UTF-16LE");
-        EXPECT_EQ(ReadLine(in), u"$KEY\tGr\u00FC\u00DF 100%\n");
-        EXPECT_EQ(ReadLine(in), u"zwei\n");
-        EXPECT_EQ(ReadLine(in), u"<eof>");
-        EXPECT_EQ(qv::platform::fgetwc16(in), 0xFFFF);
-    }
-    {
-        BFile log(dir.U("log.txt").c_str(), u"at,ccs=UNICODE");
-        qv::platform::fputws16(u"10:00:00\tStart\trun\n", log);
-    }
-    {
-        BFile log(dir.U("log.txt").c_str(), u"at,ccs=UNICODE");
-        qv::platform::fputws16(u"12\tStep\n", log);
-    }
-    BFile in(dir.U("log.txt").c_str(), u"r,ccs=UTF-16LE");
-    EXPECT_EQ(ReadLine(in), u"10:00:00\tStart\trun\n");
-    EXPECT_EQ(ReadLine(in), u"12\tStep\n");
-    {
-        BFile out(dir.U("a.txt").c_str(), u"wt");
-        qv::platform::fputws16(u"ansi\n", out);
-    }
-    EXPECT_EQ(ReadBytes(dir / "a.txt"), "ansi\r\n");
-}
-
 TEST(BFile, ExistAndKind) {
     TempDir dir;
     WriteBytes(dir / "f.txt", "12345");

@@ -228,26 +228,4 @@ TEST(StringFormats, ReadLnTakesLongLinesWholeAndDropsTheirLineFeeds) {
     EXPECT_FALSE(line.ReadLn(nullptr));
 }
 
-TEST(StringFormats, WStringReadLnReadsUtf16Units) {
-    std::u16string text = std::u16string(511, u'\u00e9') + u"\n" + u"x\n\n";
-    File f = TempFile();
-    for (char16_t u : text) {
-        std::fputc(u & 0xFF, f.get());
-        std::fputc(u >> 8, f.get());
-    }
-    std::rewind(f.get());
-    WString line;
-    ASSERT_TRUE(line.ReadLn(f.get()));
-    EXPECT_EQ(line.View(), std::u16string(511, u'\u00e9'));
-    ASSERT_TRUE(line.ReadLn(f.get()));
-    EXPECT_EQ(line, u"x");
-    ASSERT_TRUE(line.ReadLn(f.get()));
-    EXPECT_TRUE(line.IsEmpty());
-    // The end of the file is not yet flagged: one more read finds nothing and is true.
-    ASSERT_TRUE(line.ReadLn(f.get()));
-    EXPECT_TRUE(line.IsEmpty());
-    EXPECT_NE(line.CStr(0), nullptr); // emptied, but holding a block
-    EXPECT_FALSE(line.ReadLn(f.get()));
-}
-
 } // namespace
