@@ -38,7 +38,7 @@ bool const registered = [] {
 class DamagedArchive : public testing::Test {
 protected:
     std::unique_ptr<BQuorvelArchive> Open(std::string const& bytes) {
-        WriteBytes(m_dir / "d.qva", bytes);
+        WriteFile(m_dir / "d.qva", bytes);
         return std::make_unique<BQuorvelArchive>(m_dir.U("d.qva").c_str(), BArchive::READ, kName,
                                                  0);
     }

@@ -25,9 +25,9 @@ SP<ArchiveItem> AsItem(SP<BSmartObj> const& object) {
 class ObjectArchive : public testing::Test {
 protected:
     std::u16string Path(std::string const& name = "a.qva") const { return m_dir.U(name); }
-    std::string Bytes(std::string const& name = "a.qva") const { return ReadBytes(m_dir / name); }
+    std::string Bytes(std::string const& name = "a.qva") const { return ReadFile(m_dir / name); }
     void Write(std::string const& bytes, std::string const& name = "a.qva") const {
-        WriteBytes(m_dir / name, bytes);
+        WriteFile(m_dir / name, bytes);
     }
     // Writes the objects under their names and closes the archive.
     void Store(std::initializer_list<std::pair<BSmartObj*, char const*>> objects) const {

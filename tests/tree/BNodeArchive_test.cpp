@@ -79,8 +79,8 @@ protected:
         EXPECT_TRUE(archive.IsGood());
         return archive.TakeOut(key);
     }
-    std::string FileBytes() const { return ReadBytes(dir / "tree.qva"); }
-    void WriteFile(std::string const& bytes) const { WriteBytes(dir / "tree.qva", bytes); }
+    std::string FileBytes() const { return ReadFile(dir / "tree.qva"); }
+    void Write(std::string const& bytes) const { WriteFile(dir / "tree.qva", bytes); }
 
     TempDir dir;
     std::u16string path = dir.U("tree.qva");
@@ -150,7 +150,7 @@ TEST_F(NodeArchiveTest, OlderVersionsAndTheNarrowText) {
     file += NodeRecord("1", "v0", 0, NodeData("narrow0", "", 0, {2}, 0));
     file += NodeRecord("2", "v1", 1, NodeData("narrow1", "wide1", 1, {}, 1, 3));
     file += NodeRecord("3", "v2", 2, NodeData("narrow2", "wide2", 0, {}));
-    WriteFile(file);
+    Write(file);
     SP<BNode> v0 = Load("v0");
     ASSERT_TRUE(v0);
     EXPECT_EQ(WString(v0->GetText()), WString(u"narrow0"));
@@ -168,7 +168,7 @@ TEST_F(NodeArchiveTest, DamagedReferencesLeaveATree) {
     file += NodeRecord("1", "one", 2, NodeData("1", "1", 2, {1, 2}));
     file += NodeRecord("2", "", 2, NodeData("2", "2", 1, {1, 99}));
     file += NodeRecord("3", "three", 2, NodeData("3", "3", 0, {2}));
-    WriteFile(file);
+    Write(file);
     {
         BQuorvelArchive archive(path.c_str(), BArchive::READ, BString("class QvTest"), 3);
         SP<BNode> one = archive.TakeOut("one");
@@ -208,7 +208,7 @@ TEST_F(NodeArchiveTest, UnreadableStringInsideARecordGivesNull) {
     std::string file = NodeHeader();
     file += NodeRecord("1", "bad", 2, data);
     file += NodeRecord("2", "good", 2, NodeData("g", "g", 0, {}));
-    WriteFile(file);
+    Write(file);
     BQuorvelArchive archive(path.c_str(), BArchive::READ, BString("class QvTest"), 3);
     SP<BSmartObj> bad;
     EXPECT_NO_THROW(bad = archive.TakeOut("bad"));
@@ -224,7 +224,7 @@ TEST_F(NodeArchiveTest, LoadedNodesOwnNodesThroughChildrenOnly) {
     std::string file = NodeHeader();
     file += NodeRecord("1", "one", 2, data);
     file += NodeRecord("2", "", 2, NodeData("2", "2", 1, {}));
-    WriteFile(file);
+    Write(file);
     SP<BNode> one = Load("one");
     ASSERT_TRUE(one);
     EXPECT_EQ(one->GetObj(), nullptr);
