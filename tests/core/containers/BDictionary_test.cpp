@@ -13,8 +13,8 @@ TEST(BHashTable, BucketCountsFollowTheExpectedCount) {
     struct Row {
         unsigned long long expected, buckets, step;
     };
-    for (Row r : {Row{0, 2, 15}, Row{50, 2, 15}, Row{51, 3, 15}, Row{100, 7, 15}, Row{249, 19, 15},
-                  Row{250, 11, 30}, Row{1000, 37, 30}, Row{250000, 9277, 30}}) {
+    for (Row r : {Row{0, 2, 15}, Row{50, 2, 15}, Row{51, 3, 15}, Row{249, 19, 15}, Row{250, 11, 30},
+                  Row{250000, 9277, 30}}) {
         Table t(r.expected);
         EXPECT_EQ(t.BucketCount(), r.buckets) << r.expected;
         EXPECT_EQ(t.Bucket(0).Step(), r.step) << r.expected;
