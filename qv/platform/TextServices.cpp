@@ -10,6 +10,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <type_traits>
 #include <unicode/uchar.h>
 #include <unicode/ucol.h>
 #include <unicode/uset.h>
@@ -302,20 +303,6 @@ int FastCompare(Collation const& c, Unit const* a, Unit const* b, bool caseSensi
     }
 }
 
-int CompareWide(char16_t const* a, char16_t const* b, bool caseSensitive) {
-    if (a == nullptr || b == nullptr)
-        return (a != nullptr) - (b != nullptr);
-    CollationCache const& cache = CurrentCollation();
-    Collation const& c = *cache.collation;
-    if (c.fast) {
-        int const r = FastCompare(c, a, b, caseSensitive);
-        if (r != 2)
-            return r;
-    }
-    UCollator const* coll = caseSensitive ? cache.tertiary : cache.secondary;
-    return Sign(ucol_strcoll(coll, a, -1, b, -1));
-}
-
 std::u16string FromAnsi(char const* s) {
     int const needed = MultiByteToWideChar(s, -1, nullptr, 0);
     std::u16string out(static_cast<std::size_t>(needed > 0 ? needed : 1), u'\0');
@@ -325,37 +312,44 @@ std::u16string FromAnsi(char const* s) {
     return out;
 }
 
-int CompareAnsi(char const* a, char const* b, bool caseSensitive) {
+// Both widths: null first, then the ASCII tables where they decide, else ICU. Printable ASCII
+// reads the same in every ANSI code page we support, so narrow text takes the same tables and
+// is widened only for ICU.
+template <class Unit>
+int Compare(Unit const* a, Unit const* b, bool caseSensitive) {
     if (a == nullptr || b == nullptr)
         return (a != nullptr) - (b != nullptr);
     CollationCache const& cache = CurrentCollation();
     Collation const& c = *cache.collation;
-    // Printable ASCII reads the same in every ANSI code page we support.
     if (c.fast) {
         int const r = FastCompare(c, a, b, caseSensitive);
         if (r != 2)
             return r;
     }
-    std::u16string const wa = FromAnsi(a);
-    std::u16string const wb = FromAnsi(b);
     UCollator const* coll = caseSensitive ? cache.tertiary : cache.secondary;
-    return Sign(ucol_strcoll(coll, wa.data(), static_cast<int32_t>(wa.size()), wb.data(),
-                             static_cast<int32_t>(wb.size())));
+    if constexpr (std::is_same_v<Unit, char16_t>) {
+        return Sign(ucol_strcoll(coll, a, -1, b, -1));
+    } else {
+        std::u16string const wa = FromAnsi(a);
+        std::u16string const wb = FromAnsi(b);
+        return Sign(ucol_strcoll(coll, wa.data(), static_cast<int32_t>(wa.size()), wb.data(),
+                                 static_cast<int32_t>(wb.size())));
+    }
 }
 
 } // namespace
 
 int lstrcmpW(char16_t const* a, char16_t const* b) {
-    return CompareWide(a, b, true);
+    return Compare(a, b, true);
 }
 int lstrcmpiW(char16_t const* a, char16_t const* b) {
-    return CompareWide(a, b, false);
+    return Compare(a, b, false);
 }
 int lstrcmpA(char const* a, char const* b) {
-    return CompareAnsi(a, b, true);
+    return Compare(a, b, true);
 }
 int lstrcmpiA(char const* a, char const* b) {
-    return CompareAnsi(a, b, false);
+    return Compare(a, b, false);
 }
 
 bool SetCollationLocale(char const* localeName) {
