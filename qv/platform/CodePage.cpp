@@ -252,61 +252,48 @@ unsigned AnsiCodePageGeneration() {
 }
 } // namespace detail
 
-int WideCharToMultiByte(char16_t const* src, int srcLength, char* dst, int dstSize) {
+namespace {
+
+// One conversion in Windows' calling convention, either way round: convert is
+// ucnv_fromUnicode or ucnv_toUnicode, which take the same arguments. A size of 0 counts what
+// the conversion would write, through a scratch buffer.
+template <class In, class Out, class Convert>
+int Convert16(Convert convert, In const* src, int srcLength, Out* dst, int dstSize) {
     if (!ValidArguments(src, srcLength, dst, dstSize))
         return 0;
-    std::size_t const length = srcLength == -1 ? std::char_traits<char16_t>::length(src) + 1
+    std::size_t const length = srcLength == -1 ? std::char_traits<In>::length(src) + 1
                                                : static_cast<std::size_t>(srcLength);
     UConverter* conv = ThreadConverter();
     if (conv == nullptr)
         return 0;
-    UChar const* in = src;
-    UChar const* const inEnd = src + length;
+    In const* in = src;
+    In const* const inEnd = src + length;
     if (dstSize == 0) {
         long long total = 0;
-        char buffer[512];
+        Out buffer[512];
         UErrorCode status = U_BUFFER_OVERFLOW_ERROR;
         while (status == U_BUFFER_OVERFLOW_ERROR) {
             status = U_ZERO_ERROR;
-            char* out = buffer;
-            ucnv_fromUnicode(conv, &out, buffer + sizeof buffer, &in, inEnd, nullptr, true,
-                             &status);
+            Out* out = buffer;
+            convert(conv, &out, buffer + 512, &in, inEnd, nullptr, true, &status);
             total += out - buffer;
         }
         return U_SUCCESS(status) && total <= 0x7FFFFFFF ? static_cast<int>(total) : 0;
     }
     UErrorCode status = U_ZERO_ERROR;
-    char* out = dst;
-    ucnv_fromUnicode(conv, &out, dst + dstSize, &in, inEnd, nullptr, true, &status);
+    Out* out = dst;
+    convert(conv, &out, dst + dstSize, &in, inEnd, nullptr, true, &status);
     return U_SUCCESS(status) ? static_cast<int>(out - dst) : 0;
 }
 
+} // namespace
+
+int WideCharToMultiByte(char16_t const* src, int srcLength, char* dst, int dstSize) {
+    return Convert16(ucnv_fromUnicode, src, srcLength, dst, dstSize);
+}
+
 int MultiByteToWideChar(char const* src, int srcLength, char16_t* dst, int dstSize) {
-    if (!ValidArguments(src, srcLength, dst, dstSize))
-        return 0;
-    std::size_t const length =
-        srcLength == -1 ? std::strlen(src) + 1 : static_cast<std::size_t>(srcLength);
-    UConverter* conv = ThreadConverter();
-    if (conv == nullptr)
-        return 0;
-    char const* in = src;
-    char const* const inEnd = src + length;
-    if (dstSize == 0) {
-        long long total = 0;
-        UChar buffer[512];
-        UErrorCode status = U_BUFFER_OVERFLOW_ERROR;
-        while (status == U_BUFFER_OVERFLOW_ERROR) {
-            status = U_ZERO_ERROR;
-            UChar* out = buffer;
-            ucnv_toUnicode(conv, &out, buffer + 512, &in, inEnd, nullptr, true, &status);
-            total += out - buffer;
-        }
-        return U_SUCCESS(status) && total <= 0x7FFFFFFF ? static_cast<int>(total) : 0;
-    }
-    UErrorCode status = U_ZERO_ERROR;
-    UChar* out = dst;
-    ucnv_toUnicode(conv, &out, dst + dstSize, &in, inEnd, nullptr, true, &status);
-    return U_SUCCESS(status) ? static_cast<int>(out - dst) : 0;
+    return Convert16(ucnv_toUnicode, src, srcLength, dst, dstSize);
 }
 
 bool SetAnsiCodePage(char const* icuConverterName) {
