@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cstdio>
 #include <cstring>
@@ -146,6 +147,71 @@ private:
     std::unordered_map<std::string, KeyEntry> m_named;
 };
 
+// What writing knows of each object met: its number, and whether it is pending.
+struct Met {
+    unsigned int index = 0;
+    bool indexed = false;
+    bool pending = false;
+};
+
+// The objects met on writing, by address. Each object is looked up several times while a
+// graph is written, so the table is open-addressed in one array: a lookup touches one or two
+// neighbouring slots instead of chasing a node per object. Nothing is ever removed. Null
+// holds 0 from the start.
+class MetTable {
+public:
+    // The entry of an object, added if new. It stays valid until the next object is added.
+    Met& operator[](void const* object) {
+        if (!object)
+            return m_null;
+        if ((m_count + 1) * 2 > m_slots.size())
+            Grow();
+        Slot& slot = Place(m_slots, m_shift, object);
+        if (!slot.object) {
+            slot.object = object;
+            ++m_count;
+        }
+        return slot.met;
+    }
+
+private:
+    struct Slot {
+        void const* object = nullptr;
+        Met met;
+    };
+
+    // The slot that holds the object, or the free one where it belongs. The memory page of
+    // the address is spread by a multiplicative hash, its place in the page is kept: objects
+    // allocated together are mostly met together, and then share a stretch of the table
+    // instead of costing a cache miss each. Two objects of one page never collide.
+    static Slot& Place(std::vector<Slot>& slots, int shift, void const* object) {
+        std::size_t mask = slots.size() - 1;
+        std::uintptr_t address = reinterpret_cast<std::uintptr_t>(object);
+        std::size_t at =
+            (static_cast<std::size_t>((address >> 12) * 0x9E3779B97F4A7C15ull >> shift) ^
+             (address >> 4 & 0xFF)) &
+            mask;
+        while (slots[at].object && slots[at].object != object)
+            at = (at + 1) & mask;
+        return slots[at];
+    }
+
+    void Grow() {
+        std::vector<Slot> larger(m_slots.empty() ? 64 : m_slots.size() * 2);
+        int shift = 64 - std::countr_zero(larger.size());
+        for (Slot const& slot : m_slots)
+            if (slot.object)
+                Place(larger, shift, slot.object) = slot;
+        m_slots = std::move(larger);
+        m_shift = shift;
+    }
+
+    std::vector<Slot> m_slots;
+    std::size_t m_count = 0;
+    int m_shift = 64;
+    Met m_null{0, true, false};
+};
+
 // Reference numbers of fields under load, null references included. Each read function that
 // runs gets a reader number; its notes are kept in order, and the loaded object remembers the
 // stretch of notes that its read function made. Its UpdateAssociations then finds each field
@@ -265,14 +331,9 @@ struct BQuorvelArchive::State {
     // met: its number, and whether it is pending. The names in use are in a set, so Insert's
     // "already there?" costs constant time and the walk of the list stays the order of the
     // file.
-    struct Met {
-        unsigned int index = 0;
-        bool indexed = false;
-        bool pending = false;
-    };
     std::vector<NArchive::Tupel> pending;
     std::size_t firstUnwritten = 0;
-    std::unordered_map<void const*, Met> met{{nullptr, Met{0, true, false}}};
+    MetTable met;
     std::size_t indexed = 1; // null holds 0
     std::unordered_set<std::string> pendingNames;
 
@@ -673,7 +734,7 @@ void BQuorvelArchive::Insert(BSmartObj* object, char const* name) {
     std::string key = name ? name : "";
     if (!object)
         return;
-    State::Met& met = s.met[object];
+    Met& met = s.met[object];
     if (met.pending || (!key.empty() && s.pendingNames.contains(key)))
         return;
     met.pending = true;
@@ -743,7 +804,7 @@ bool BQuorvelArchive::VerifyObjects() {
 
 unsigned int BQuorvelArchive::MapPointerToIndex(void* object) {
     State& s = *m_state;
-    State::Met& met = s.met[object];
+    Met& met = s.met[object];
     if (!met.indexed) {
         // Null holds 0, so the number of objects numbered so far is the new index.
         if (s.indexed > 0xFFFFFFFFu)
