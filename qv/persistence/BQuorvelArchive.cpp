@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cstdio>
 #include <cstring>
@@ -55,11 +56,30 @@ long long Tell(std::FILE* file) {
     return qv::platform::_ftelli64(file);
 }
 
+constexpr std::size_t kNoRecord = static_cast<std::size_t>(-1);
+
 struct KeyEntry {
-    long long offset = -1;
+    std::size_t record = kNoRecord; // the last record of the file under this key
     SP<BSmartObj> object;
     bool queued = false;
     bool failed = false;
+};
+
+// What the opening scan learned of a record, so that loading it goes straight to its data.
+// The scan refuses a file with any prefix that does not read, so every record here has one
+// that reads as noted.
+struct Record {
+    long long data = 0;          // where the data begins, behind the prefix
+    KeyEntry* keys[2] = {};      // the entries of its id and of its name, null if empty
+    std::int32_t version = 0;    // the object's version from the prefix
+    std::uint32_t className = 0; // index into the class names the scan met
+};
+
+// A key of the scan in the form of a number, entered once the array of numbers is sized.
+struct NumberedKey {
+    unsigned long long number;
+    std::size_t record;
+    int which; // 0 for the id, 1 for the name
 };
 
 // The keys of a file. Ids in their own form (lower-case hexadecimal without leading zeros)
@@ -69,19 +89,20 @@ struct KeyEntry {
 // the one dictionary of keys.
 class KeyTable {
 public:
-    // Sizes the array once the number of records is known; the positions noted for numbers
-    // during the scan are entered then, in file order, so that later records win.
-    void Build(std::size_t records,
-               std::vector<std::pair<unsigned long long, long long>> const& numbered) {
-        m_slots.resize(records + 1);
-        for (auto const& [number, offset] : numbered)
-            Get(number).offset = offset;
+    // Sizes the array once the number of records is known; the records noted for numbers
+    // during the scan are entered then, in file order, so that later records win. Entries
+    // keep their addresses from here on: the array is not resized again, and the other
+    // keys live in nodes of a hash map.
+    void Build(std::vector<Record>& records, std::vector<NumberedKey> const& numbered) {
+        m_slots.resize(records.size() + 1);
+        for (NumberedKey const& key : numbered) {
+            KeyEntry& entry = Get(key.number);
+            entry.record = key.record;
+            records[key.record].keys[key.which] = &entry;
+        }
     }
-    void SetOffset(std::string_view key, long long offset) {
-        unsigned long long number = 0;
-        if (!IsNumber(key, number))
-            m_named[std::string(key)].offset = offset;
-    }
+    // The entry of a key that is not in the form of a number.
+    KeyEntry& Named(std::string_view key) { return m_named[std::string(key)]; }
     KeyEntry* Find(std::string_view key) {
         unsigned long long number = 0;
         if (IsNumber(key, number))
@@ -124,6 +145,71 @@ public:
 private:
     std::vector<KeyEntry> m_slots;
     std::unordered_map<std::string, KeyEntry> m_named;
+};
+
+// What writing knows of each object met: its number, and whether it is pending.
+struct Met {
+    unsigned int index = 0;
+    bool indexed = false;
+    bool pending = false;
+};
+
+// The objects met on writing, by address. Each object is looked up several times while a
+// graph is written, so the table is open-addressed in one array: a lookup touches one or two
+// neighbouring slots instead of chasing a node per object. Nothing is ever removed. Null
+// holds 0 from the start.
+class MetTable {
+public:
+    // The entry of an object, added if new. It stays valid until the next object is added.
+    Met& operator[](void const* object) {
+        if (!object)
+            return m_null;
+        if ((m_count + 1) * 2 > m_slots.size())
+            Grow();
+        Slot& slot = Place(m_slots, m_shift, object);
+        if (!slot.object) {
+            slot.object = object;
+            ++m_count;
+        }
+        return slot.met;
+    }
+
+private:
+    struct Slot {
+        void const* object = nullptr;
+        Met met;
+    };
+
+    // The slot that holds the object, or the free one where it belongs. The memory page of
+    // the address is spread by a multiplicative hash, its place in the page is kept: objects
+    // allocated together are mostly met together, and then share a stretch of the table
+    // instead of costing a cache miss each. Two objects of one page never collide.
+    static Slot& Place(std::vector<Slot>& slots, int shift, void const* object) {
+        std::size_t mask = slots.size() - 1;
+        std::uintptr_t address = reinterpret_cast<std::uintptr_t>(object);
+        std::size_t at =
+            (static_cast<std::size_t>((address >> 12) * 0x9E3779B97F4A7C15ull >> shift) ^
+             (address >> 4 & 0xFF)) &
+            mask;
+        while (slots[at].object && slots[at].object != object)
+            at = (at + 1) & mask;
+        return slots[at];
+    }
+
+    void Grow() {
+        std::vector<Slot> larger(m_slots.empty() ? 64 : m_slots.size() * 2);
+        int shift = 64 - std::countr_zero(larger.size());
+        for (Slot const& slot : m_slots)
+            if (slot.object)
+                Place(larger, shift, slot.object) = slot;
+        m_slots = std::move(larger);
+        m_shift = shift;
+    }
+
+    std::vector<Slot> m_slots;
+    std::size_t m_count = 0;
+    int m_shift = 64;
+    Met m_null{0, true, false};
 };
 
 // Reference numbers of fields under load, null references included. Each read function that
@@ -245,14 +331,9 @@ struct BQuorvelArchive::State {
     // met: its number, and whether it is pending. The names in use are in a set, so Insert's
     // "already there?" costs constant time and the walk of the list stays the order of the
     // file.
-    struct Met {
-        unsigned int index = 0;
-        bool indexed = false;
-        bool pending = false;
-    };
     std::vector<NArchive::Tupel> pending;
     std::size_t firstUnwritten = 0;
-    std::unordered_map<void const*, Met> met{{nullptr, Met{0, true, false}}};
+    MetTable met;
     std::size_t indexed = 1; // null holds 0
     std::unordered_set<std::string> pendingNames;
 
@@ -264,6 +345,13 @@ struct BQuorvelArchive::State {
         NoteBook::Stretch notes;
     };
     KeyTable keys;
+    std::vector<Record> records;
+    // The class names of the records, with "class " in front, each once, and the read
+    // function found for each so far. A found function stays: the table of read functions
+    // only grows, and its older rows win.
+    std::vector<BString> classNames;
+    std::vector<NArchive::ReadFunction> readFunctions;
+    std::unordered_map<std::string, std::uint32_t> classIndex;
     std::vector<Loaded> loaded;
     std::size_t firstUnresolved = 0;
     std::deque<std::string> later;
@@ -334,8 +422,7 @@ struct BQuorvelArchive::State {
         long long position = firstRecord;
         if (end < 0 || !SeekRead(position))
             return false;
-        std::vector<std::pair<unsigned long long, long long>> numbered;
-        std::size_t records = 0;
+        std::vector<NumberedKey> numbered;
         BString id, name, className; // reused: their blocks are filled in place
         while (position < end) {
             int version = 0;
@@ -349,21 +436,55 @@ struct BQuorvelArchive::State {
             if (static_cast<long long>(size) < 0 ||
                 size > static_cast<unsigned long long>(end - data))
                 return false;
-            for (BString const* key : {&id, &name}) {
+            Record& record = records.emplace_back();
+            record.data = data;
+            record.version = version;
+            record.className = InternClassName(className);
+            for (int which = 0; which < 2; ++which) {
+                std::string_view key = (which == 0 ? id : name).View();
                 unsigned long long number = 0;
-                if (KeyTable::IsNumber(key->View(), number))
-                    numbered.emplace_back(number, position);
-                else if (!key->IsEmpty())
-                    keys.SetOffset(key->View(), position);
+                if (KeyTable::IsNumber(key, number)) {
+                    numbered.push_back({number, records.size() - 1, which});
+                } else if (!key.empty()) {
+                    KeyEntry& entry = keys.Named(key);
+                    entry.record = records.size() - 1;
+                    record.keys[which] = &entry;
+                }
             }
-            ++records;
             position = data + static_cast<long long>(size);
             if (!SeekRead(position))
                 return false;
         }
         keys.Build(records, numbered);
-        loaded.reserve(records);
+        loaded.reserve(records.size());
         return true;
+    }
+
+    // Few classes make up a file, and records of one class mostly follow each other.
+    std::uint32_t InternClassName(BString const& className) {
+        std::string_view raw = className.View();
+        if (!classNames.empty() && lastClassRaw == raw)
+            return lastClass;
+        auto [found, added] =
+            classIndex.try_emplace(std::string(raw), static_cast<std::uint32_t>(classNames.size()));
+        if (added) {
+            BString full = className;
+            AddClassPrefix(full);
+            classNames.push_back(full);
+            readFunctions.push_back(nullptr);
+        }
+        lastClassRaw = found->first;
+        lastClass = found->second;
+        return lastClass;
+    }
+    std::string lastClassRaw;
+    std::uint32_t lastClass = 0;
+
+    NArchive::ReadFunction ReadFunctionOf(std::uint32_t className) {
+        NArchive::ReadFunction& read = readFunctions[className];
+        if (!read)
+            read = NArchive::BReadObjCallbackMap::Instance().Find(classNames[className].CStr());
+        return read;
     }
 
     void Close() {
@@ -469,22 +590,18 @@ struct BQuorvelArchive::State {
         KeyEntry* entry = keys.Find(key);
         if (entry && entry->object)
             return entry->object;
-        if (!entry || entry->offset < 0 || key.empty() || !Good() || !SeekRead(entry->offset))
+        if (!entry || entry->record == kNoRecord || key.empty() || !Good())
             return nullptr;
-        BString id, name, className;
-        int version = 0;
-        unsigned long long size = 0;
-        if (!BSmartObj::ReadPrefix(owner, id, name, className, version, size) ||
-            (id.View() != key && name.View() != key))
+        Record const& record = records[entry->record];
+        if (!SeekRead(record.data))
             return nullptr;
-        AddClassPrefix(className);
-        NArchive::ReadFunction read = BArchive::SmartObjReadFunction(className);
+        NArchive::ReadFunction read = ReadFunctionOf(record.className);
         if (!read)
             return nullptr; // an unknown class is no error: references to it come out null
         NoteBook::Stretch stretch;
-        SP<BSmartObj> object = RunReadFunction(read, version, stretch);
+        SP<BSmartObj> object = RunReadFunction(read, record.version, stretch);
         if (object)
-            Enter(object, stretch, key, id.View() == key ? name : id);
+            Enter(object, stretch, *entry, record.keys[record.keys[0] == entry ? 1 : 0]);
         return object;
     }
 
@@ -513,11 +630,11 @@ struct BQuorvelArchive::State {
     // Loaded objects are entered under both keys of their record. An object that a read
     // function hands out a second time is entered again and has its associations updated
     // again, as a dictionary entry set back to "not yet" would.
-    void Enter(SP<BSmartObj> const& object, NoteBook::Stretch const& stretch, std::string_view key,
-               BString const& otherKey) {
-        keys.Get(key).object = object;
-        if (!otherKey.IsEmpty())
-            keys.Get(otherKey.View()).object = object;
+    void Enter(SP<BSmartObj> const& object, NoteBook::Stretch const& stretch, KeyEntry& key,
+               KeyEntry* otherKey) {
+        key.object = object;
+        if (otherKey)
+            otherKey->object = object;
         loaded.push_back({object, stretch});
     }
 
@@ -617,7 +734,7 @@ void BQuorvelArchive::Insert(BSmartObj* object, char const* name) {
     std::string key = name ? name : "";
     if (!object)
         return;
-    State::Met& met = s.met[object];
+    Met& met = s.met[object];
     if (met.pending || (!key.empty() && s.pendingNames.contains(key)))
         return;
     met.pending = true;
@@ -687,7 +804,7 @@ bool BQuorvelArchive::VerifyObjects() {
 
 unsigned int BQuorvelArchive::MapPointerToIndex(void* object) {
     State& s = *m_state;
-    State::Met& met = s.met[object];
+    Met& met = s.met[object];
     if (!met.indexed) {
         // Null holds 0, so the number of objects numbered so far is the new index.
         if (s.indexed > 0xFFFFFFFFu)
