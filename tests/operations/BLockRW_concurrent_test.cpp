@@ -1,5 +1,7 @@
 // BLockRW with real threads. Every wait here is bounded: a lock that never comes free fails
 // the test through a time-out instead of hanging the suite.
+#include "ThreadTestSupport.h"
+
 #include <atomic>
 #include <chrono>
 #include <future>
@@ -15,14 +17,7 @@
 using namespace std::chrono_literals;
 
 namespace {
-// Long enough for a thread that could get in to do so, short enough to keep the suite quick.
-constexpr auto kSettle = 50ms;
-constexpr auto kBound = 10s;
-
-template <class F>
-std::future<void> Start(F f) {
-    return std::async(std::launch::async, std::move(f));
-}
+using namespace thread_test;
 
 bool Blocked(std::future<void>& f) {
     return f.wait_for(kSettle) == std::future_status::timeout;

@@ -1,3 +1,5 @@
+#include "ThreadTestSupport.h"
+
 #include <atomic>
 #include <chrono>
 #include <fstream>
@@ -15,15 +17,7 @@
 using namespace qv::platform;
 using namespace std::chrono_literals;
 
-namespace {
-constexpr auto kSettle = 50ms;
-constexpr auto kBound = 10s;
-
-template <class F>
-std::future<void> Start(F f) {
-    return std::async(std::launch::async, std::move(f));
-}
-} // namespace
+using namespace thread_test;
 
 // The id names the thread for the kernel: another thread can find it under /proc by it.
 TEST(GetCurrentThreadIdConcurrent, EachThreadHasItsOwnIdKnownToTheKernel) {
