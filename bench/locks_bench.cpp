@@ -2,7 +2,8 @@
 // - an uncontended LockR/UnlockR pair (for BLockRW the free-to-read-held transition each time),
 // - a second reader's entry while another thread holds the shared side, alone and as a pair,
 // - two later readers entering and leaving at once while a third thread holds the shared side,
-// - read throughput of 2 threads reading under the lock at once.
+// - read throughput of 2 threads reading under the lock at once,
+// - a write after a read, which for BLockRW closes the readers' fast path each time.
 #include <atomic>
 #include <benchmark/benchmark.h>
 #include <pthread.h>
@@ -16,12 +17,16 @@ struct QvLock {
     BLockRW lock;
     void Read() { lock.LockR(); }
     void Done() { lock.UnlockR(); }
+    void Write() { lock.LockW(); }
+    void DoneWriting() { lock.UnlockW(); }
 };
 
 struct StdLock {
     std::shared_mutex lock;
     void Read() { lock.lock_shared(); }
     void Done() { lock.unlock_shared(); }
+    void Write() { lock.lock(); }
+    void DoneWriting() { lock.unlock(); }
 };
 
 struct PosixLock {
@@ -29,6 +34,8 @@ struct PosixLock {
     ~PosixLock() { pthread_rwlock_destroy(&lock); }
     void Read() { pthread_rwlock_rdlock(&lock); }
     void Done() { pthread_rwlock_unlock(&lock); }
+    void Write() { pthread_rwlock_wrlock(&lock); }
+    void DoneWriting() { pthread_rwlock_unlock(&lock); }
 };
 
 // Another thread holds the shared side for as long as this object lives, as the first reader
@@ -113,6 +120,20 @@ void ReadThroughput(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations());
 }
 
+// What the readers' fast path costs a writer: each write after reads has to close the path
+// (a process-wide barrier and a walk over the threads' reader slots), and the next read opens
+// it again.
+template <class L>
+void WriteAfterRead(benchmark::State& state) {
+    L lock;
+    for (auto _ : state) {
+        lock.Read();
+        lock.Done();
+        lock.Write();
+        lock.DoneWriting();
+    }
+}
+
 } // namespace
 
 BENCHMARK(UncontendedPair<QvLock>)->Name("UncontendedPair/BLockRW");
@@ -145,3 +166,6 @@ BENCHMARK(ReadThroughput<PosixLock>)
     ->Name("ReadThroughput/pthread_rwlock_t")
     ->Threads(2)
     ->UseRealTime();
+BENCHMARK(WriteAfterRead<QvLock>)->Name("WriteAfterRead/BLockRW");
+BENCHMARK(WriteAfterRead<StdLock>)->Name("WriteAfterRead/std::shared_mutex");
+BENCHMARK(WriteAfterRead<PosixLock>)->Name("WriteAfterRead/pthread_rwlock_t");

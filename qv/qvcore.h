@@ -55,6 +55,7 @@
 #include <qv/operations/LoggerInterface.h>
 #include <qv/operations/MessageNumbers.h>
 #include <qv/operations/QVPost.h>
+#include <qv/operations/ReaderSlots.h>
 
 #include <qv/platform/CodePage.h>
 #include <qv/platform/CriticalSection.h>
@@ -64,6 +65,7 @@
 #include <qv/platform/Futex.h>
 #include <qv/platform/ManualResetEvent.h>
 #include <qv/platform/PathText.h>
+#include <qv/platform/ProcessWriteBuffers.h>
 #include <qv/platform/SlimRWLock.h>
 #include <qv/platform/SystemError.h>
 #include <qv/platform/TextServices.h>

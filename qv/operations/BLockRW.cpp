@@ -1,9 +1,12 @@
 #include <climits>
 #include <qv/operations/BLockRW.h>
+#include <qv/operations/ReaderSlots.h>
 #include <qv/platform/Futex.h>
+#include <qv/platform/ProcessWriteBuffers.h>
 #include <qv/platform/ThreadId.h>
 
 using namespace qv::platform;
+using qv::detail::ReaderSlots;
 
 QV_REGISTER_CLASSNAME(BLockRW);
 
@@ -12,6 +15,9 @@ bool BLockRW::IsOwner() const noexcept {
 }
 
 void BLockRW::LockR() const {
+    // While the path is open no thread owns the write side, so the owner test can wait.
+    if (ReaderSlots::Count(this, m_fast_epoch, +1))
+        return;
     if (IsOwner()) {
         ++m_nested_read_count;
         return;
@@ -32,6 +38,37 @@ void BLockRW::EnterAsFirstReader() const {
         ++m_admissions;
         FutexWake(m_admissions, INT_MAX);
     }
+    OpenFastPath();
+}
+
+void BLockRW::OpenFastPath() const {
+    std::uint32_t const skip = m_groups_to_skip.load(std::memory_order_relaxed);
+    if (skip != 0) {
+        m_groups_to_skip.store(skip - 1, std::memory_order_relaxed);
+        return;
+    }
+    if (!CanFlushProcessWriteBuffers() || m_writers_waiting.load() != 0)
+        return;
+    m_reader_count.fetch_add(kFastToken);
+    m_fast_epoch.store(ReaderSlots::NewEpoch());
+    if (m_writers_waiting.load() != 0) {
+        CloseFastPath();
+        return;
+    }
+    // Counted in the slot before it leaves the counter, so that the group never looks empty.
+    if (ReaderSlots::Count(this, m_fast_epoch, +1))
+        LeaveCounted();
+}
+
+void BLockRW::CloseFastPath() const {
+    std::uint64_t const epoch = m_fast_epoch.exchange(0);
+    if (epoch == 0)
+        return;
+    m_groups_to_skip.store(kGroupsAfterClosing, std::memory_order_relaxed);
+    FlushProcessWriteBuffers();
+    auto const change = static_cast<std::uint64_t>(ReaderSlots::Sum(this, epoch)) - kFastToken;
+    if (m_reader_count.fetch_add(change) + change == kSharedHeld)
+        LeaveAsLastReader();
 }
 
 void BLockRW::AwaitSharedHold() const {
@@ -46,10 +83,16 @@ void BLockRW::AwaitSharedHold() const {
 }
 
 void BLockRW::UnlockR() const {
+    if (ReaderSlots::Count(this, m_fast_epoch, -1))
+        return;
     if (IsOwner()) {
         --m_nested_read_count;
         return;
     }
+    LeaveCounted();
+}
+
+void BLockRW::LeaveCounted() const {
     if (m_reader_count.fetch_sub(1) == (kSharedHeld | 1))
         LeaveAsLastReader();
 }
@@ -64,8 +107,11 @@ void BLockRW::LeaveAsLastReader() const {
 
 void BLockRW::LockW() const {
     if (!IsOwner()) {
+        ++m_writers_waiting;
+        CloseFastPath();
         m_no_readers_event.Wait();
         AcquireSRWLockExclusive(m_lock);
+        --m_writers_waiting;
         m_owner.store(GetCurrentThreadId(), std::memory_order_relaxed);
     }
     ++m_write_count;
@@ -89,7 +135,12 @@ bool BLockRW::TryLockR() const {
 }
 
 bool BLockRW::TryLockW() const {
-    if (m_no_readers_event.Wait(1) == WAIT_TIMEOUT || !TryAcquireSRWLockExclusive(m_lock))
+    ++m_writers_waiting;
+    CloseFastPath();
+    bool const acquired =
+        m_no_readers_event.Wait(1) != WAIT_TIMEOUT && TryAcquireSRWLockExclusive(m_lock);
+    --m_writers_waiting;
+    if (!acquired)
         return false;
     m_owner.store(GetCurrentThreadId(), std::memory_order_relaxed);
     ++m_write_count;

@@ -10,8 +10,7 @@
 // its top bit, kSharedHeld, says that the group's shared hold is in place. So:
 //
 // - A reader that finds kSharedHeld set in the value it incremented is in: one atomic
-//   fetch-and-add and no system call. This is the path of every reader while the shared side
-//   is held, and what makes the lock cheap for overlapping readers.
+//   fetch-and-add and no system call.
 // - A reader that finds the count at 0 is the first: it resets m_no_readers_event, acquires
 //   the shared side (waiting behind a writer if need be) and then sets kSharedHeld.
 // - A reader that arrives while the first is still acquiring finds a count above 0 without
@@ -25,11 +24,34 @@
 //   reader slipped in between (it saw kSharedHeld and entered on the existing hold), the swap
 //   fails and the shared side stays held for it; that reader releases it in turn.
 //
+// The fast path. Even one fetch-and-add is a locked instruction on a cache line that every
+// reader writes. So once its hold is in place, the first reader of a group opens a path that
+// touches no shared memory at all (see ReaderSlots): it adds kFastToken to m_reader_count,
+// which stands for all readers of the path and keeps the group alive, and publishes a fresh
+// epoch in m_fast_epoch. While the epoch is there, readers count their entries and exits in
+// their own threads' slots: plain stores, no system call. The first reader moves its own read
+// there too, so that it leaves the same way.
+//
+// Only a writer closes the path (CloseFastPath): it takes the epoch out, makes every thread
+// pass a barrier, adds up the slots of the epoch and puts that sum into m_reader_count in
+// place of the token. From then on readers use the counter again, and the group ends when its
+// last reader leaves, as above. kFastToken is far larger than any number of readers, so that
+// readers who entered through their slots and leave through the counter before the sum is in
+// can never bring the count to 0 early. While a writer waits (m_writers_waiting), no group
+// opens the path; a first reader that opened it just as a writer came closes it again, since
+// each side writes its own word before it reads the other's and one of them sees both.
+//
+// Hence a group with the path open lasts until a writer comes, even when no reader is inside;
+// the writer pays for that with one barrier and a walk over the threads' tables, some twenty
+// times the cost of the write itself. So that reads and writes that take turns do not pay it
+// every time, the next kGroupsAfterClosing groups after a closing keep the path shut.
+//
 // Writers wait on the event until no reader is inside and then compete for the exclusive
 // side, so a steady stream of overlapping readers keeps them out. The event only sets the
 // precedence; the exclusion itself comes from m_lock, so a late Set of the event by a
 // departing group, while a new group is already inside, lets a writer at most reach the
-// exclusive side early and wait there.
+// exclusive side early and wait there. The path is never open while a writer holds the lock:
+// it opens only under a group's shared hold, and the group cannot end while it is open.
 //
 // The write owner's reads never touch m_reader_count: they nest in m_nested_read_count, and
 // write recursion in m_write_count, both written only by the owner.
@@ -68,15 +90,26 @@ public:
 private:
     static constexpr std::uint32_t kNoOwner = 0xFFFFFFFF;
     static constexpr std::uint64_t kSharedHeld = 1ull << 63;
+    static constexpr std::uint64_t kFastToken = 1ull << 40;
+    static constexpr std::uint32_t kGroupsAfterClosing = 64;
 
     bool IsOwner() const noexcept;
     void EnterAsFirstReader() const;
     void AwaitSharedHold() const;
+    void LeaveCounted() const;
     void LeaveAsLastReader() const;
+    void OpenFastPath() const;
+    void CloseFastPath() const;
 
     mutable qv::platform::SRWLOCK m_lock;
-    // Readers inside, the owner's own reads not counted; plus kSharedHeld.
+    // Readers inside, the owner's own reads and those counted in slots not counted; plus
+    // kSharedHeld, plus kFastToken while the fast path is open.
     mutable std::atomic<std::uint64_t> m_reader_count{0};
+    // The epoch of the open fast path; 0 while it is closed.
+    mutable std::atomic<std::uint64_t> m_fast_epoch{0};
+    mutable std::atomic<std::uint32_t> m_writers_waiting{0};
+    // Groups still to start with the path shut; a hint only, hence relaxed.
+    mutable std::atomic<std::uint32_t> m_groups_to_skip{0};
     mutable std::atomic<std::uint64_t> m_nested_read_count{0};
     mutable std::atomic<std::uint64_t> m_write_count{0};
     // Set while no reader is inside.

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <future>
 #include <gtest/gtest.h>
+#include <memory>
 #include <qv/operations/BAutoLockR.h>
 #include <qv/operations/BAutoLockW.h>
 #include <qv/operations/BAutoTryLockW.h>
@@ -124,6 +125,60 @@ TEST(BLockRWConcurrent, ABlockedWriterIsReleasedOnlyByTheLastReader) {
     }
     EXPECT_TRUE(Finishes(writer));
     EXPECT_TRUE(written);
+}
+
+// Reads counted through the threads' own slots: left on another thread than the one that
+// entered them, even after that thread has ended, they keep a writer out until the last one
+// goes; and the path opens again for the next group.
+TEST(BLockRWConcurrent, ReadsLeftOnAnotherThreadCountUntilTheLastOneGoes) {
+    BLockRW lock;
+    for (int round = 0; round < 2; ++round) {
+        auto enter = Start([&] {
+            lock.LockR();
+            lock.LockR();
+        });
+        ASSERT_TRUE(Finishes(enter));
+        lock.UnlockR();
+        std::atomic<bool> written{false};
+        auto writer = Start([&] {
+            BAutoLockW guard(lock);
+            written = true;
+        });
+        EXPECT_TRUE(Blocked(writer)) << "round " << round;
+        lock.UnlockR();
+        EXPECT_TRUE(Finishes(writer));
+        EXPECT_TRUE(written);
+    }
+}
+
+// More locks held at once than a thread has slots: those whose slot is taken go through the
+// counter, and every lock still keeps writers out exactly while it is read.
+TEST(BLockRWConcurrent, ManyLocksReadAtOnceByOneThread) {
+    std::vector<std::unique_ptr<BLockRW>> locks;
+    for (int i = 0; i < 300; ++i)
+        locks.push_back(std::make_unique<BLockRW>());
+    for (auto& lock : locks) {
+        lock->LockR();
+        lock->LockR();
+    }
+    auto check = [&](bool expectWritable) {
+        return Start([&, expectWritable] {
+            for (auto& lock : locks) {
+                bool const written = lock->TryLockW();
+                EXPECT_EQ(written, expectWritable);
+                if (written)
+                    lock->UnlockW();
+            }
+        });
+    };
+    auto whileRead = check(false);
+    EXPECT_TRUE(Finishes(whileRead));
+    for (auto& lock : locks) {
+        lock->UnlockR();
+        lock->UnlockR();
+    }
+    auto afterwards = check(true);
+    EXPECT_TRUE(Finishes(afterwards));
 }
 
 TEST(BLockRWConcurrent, WriteRecursionWithNestedReadsKeepsOthersOut) {
