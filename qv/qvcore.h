@@ -47,6 +47,7 @@
 #include <qv/operations/BDispatcher.h>
 #include <qv/operations/BLockRW.h>
 #include <qv/operations/BMessageReceiver.h>
+#include <qv/operations/BProgressManager.h>
 #include <qv/operations/BSyncableInterface.h>
 #include <qv/operations/BSyncableSmartObj.h>
 #include <qv/operations/ELog.h>
