@@ -8,29 +8,25 @@ template <class S>
 class StringTest : public ::testing::Test {};
 TYPED_TEST_SUITE(StringTest, StringTypes);
 
-// Each mutator, applied to one of two strings that share a block, must leave the other alone.
+// Each mutator that writes into the block itself, applied to one of two strings that share
+// it, must leave the other alone. (Overloads that only forward to another are left out.)
 TYPED_TEST(StringTest, EveryMutatorUnsharesFirst) {
     using S = TypeParam;
-    using U = std::remove_cv_t<std::remove_pointer_t<decltype(S().CStr())>>;
+    using U = UnitOf<S>;
     auto L = [](char const* a) { return Lit<S>(a); };
     std::vector<std::pair<char const*, std::function<void(S&)>>> mutators = {
         {"SetAt", [](S& s) { s.SetAt(0, U('X')); }},
         {"Append string", [](S& s) { s.Append(Make<S>("!")); }},
-        {"Append text", [&](S& s) { s.Append(L("!").get()); }},
+        {"Append text", [&](S& s) { s.Append(L("!").c_str()); }},
         {"Append char", [](S& s) { s.Append(U('!')); }},
-        {"Prepend", [&](S& s) { s.Prepend(L(">").get()); }},
-        {"Prepend char", [](S& s) { s.Prepend(U('>')); }},
-        {"Insert text", [&](S& s) { s.Insert(L("++").get(), 3); }},
+        {"Prepend", [&](S& s) { s.Prepend(L(">").c_str()); }},
+        {"Insert text", [&](S& s) { s.Insert(L("++").c_str(), 3); }},
         {"Insert char", [](S& s) { s.Insert(U('+'), 3); }},
         {"Replace char", [](S& s) { s.Replace(U('l'), U('L')); }},
-        {"IReplace char", [](S& s) { s.IReplace(U('H'), U('j')); }},
-        {"Replace text", [&](S& s) { s.Replace(L("World").get(), L("There").get()); }},
-        {"IReplace text", [&](S& s) { s.IReplace(L("world").get(), L("x").get()); }},
-        {"ReplaceAt", [&](S& s) { s.ReplaceAt(L("JJ").get(), 2); }},
+        {"Replace text", [&](S& s) { s.Replace(L("World").c_str(), L("There").c_str()); }},
+        {"ReplaceAt", [&](S& s) { s.ReplaceAt(L("JJ").c_str(), 2); }},
         {"Remove", [](S& s) { s.Remove(1, 2); }},
         {"CutAt", [](S& s) { s.CutAt(4); }},
-        {"Cut", [](S& s) { s.Cut(4); }},
-        {"Cut n", [](S& s) { s.Cut(2, 3); }},
         {"CutAfter", [](S& s) { s.CutAfter(U(';')); }},
         {"Split",
          [](S& s) {
@@ -38,19 +34,13 @@ TYPED_TEST(StringTest, EveryMutatorUnsharesFirst) {
              s.Split(rest, U(','));
          }},
         {"TrimLeft", [](S& s) { s.TrimLeft(); }},
-        {"TrimLeft char", [](S& s) { s.TrimLeft(U(' ')); }},
-        {"TrimLeft set", [&](S& s) { s.TrimLeft(L(" H").get()); }},
         {"TrimRight", [](S& s) { s.TrimRight(); }},
-        {"TrimRight char", [](S& s) { s.TrimRight(U(' ')); }},
-        {"TrimRight set", [&](S& s) { s.TrimRight(L(" b").get()); }},
-        {"EraseLeadingChars", [](S& s) { s.EraseLeadingChars(U(' ')); }},
-        {"EraseTrailingChars", [](S& s) { s.EraseTrailingChars(U(' ')); }},
         {"EraseAllChars", [](S& s) { s.EraseAllChars(U('l')); }},
         {"ToLower", [](S& s) { s.ToLower(); }},
         {"ToUpper", [](S& s) { s.ToUpper(); }},
         {"Fill", [](S& s) { s.Fill(3, U('z')); }},
         {"Clear", [](S& s) { s.Clear(); }},
-        {"assign", [&](S& s) { s = L("other").get(); }},
+        {"assign", [&](S& s) { s = L("other").c_str(); }},
     };
     for (auto& [name, mutate] : mutators) {
         S original = Make<S>("  Hello, World;a;b  ");
@@ -75,7 +65,7 @@ TYPED_TEST(StringTest, NullAndEmptyAreTheSameString) {
 
 TYPED_TEST(StringTest, TokensCountEverySeparator) {
     using S = TypeParam;
-    using U = std::remove_cv_t<std::remove_pointer_t<decltype(S().CStr())>>;
+    using U = UnitOf<S>;
     U sep = U(';');
     EXPECT_EQ(S().TokenCount(sep), 0u);
     EXPECT_EQ(Make<S>("a;;b").TokenCount(sep), 3u);
@@ -88,20 +78,20 @@ TYPED_TEST(StringTest, TokensCountEverySeparator) {
 
 TYPED_TEST(StringTest, SearchEdges) {
     using S = TypeParam;
-    using U = std::remove_cv_t<std::remove_pointer_t<decltype(S().CStr())>>;
+    using U = UnitOf<S>;
     auto L = [](char const* a) { return Lit<S>(a); };
     S s = Make<S>("abcabc");
-    EXPECT_TRUE(S().Includes(L("").get()));
-    EXPECT_FALSE(S().Includes(L("a").get()));
-    EXPECT_EQ(s.Search(L("bc").get(), 2), 4u);
+    EXPECT_TRUE(S().Includes(L("").c_str()));
+    EXPECT_FALSE(S().Includes(L("a").c_str()));
+    EXPECT_EQ(s.Search(L("bc").c_str(), 2), 4u);
     EXPECT_EQ(s.Search(Make<S>("c"), 3), 5u);
     unsigned long long pos = 99;
-    EXPECT_TRUE(s.IncludesPos(L("ca").get(), pos));
+    EXPECT_TRUE(s.IncludesPos(L("ca").c_str(), pos));
     EXPECT_EQ(pos, 2u);
     pos = 99;
-    EXPECT_FALSE(s.IncludesPos(L("x").get(), pos));
+    EXPECT_FALSE(s.IncludesPos(L("x").c_str(), pos));
     EXPECT_EQ(pos, 0u) << "pos is reset before the search";
-    EXPECT_TRUE(s.IIncludes(L("BCA").get()));
+    EXPECT_TRUE(s.IIncludes(L("BCA").c_str()));
     EXPECT_TRUE(s.IIncludes('C'));
     EXPECT_FALSE(s.Includes('C'));
     EXPECT_FALSE(s.Includes(U(0))) << "the terminator does not occur in the text";
@@ -109,27 +99,27 @@ TYPED_TEST(StringTest, SearchEdges) {
 
 TYPED_TEST(StringTest, PrefixAndSuffixRules) {
     using S = TypeParam;
-    using U = std::remove_cv_t<std::remove_pointer_t<decltype(S().CStr())>>;
+    using U = UnitOf<S>;
     auto L = [](char const* a) { return Lit<S>(a); };
     U const* null = nullptr;
     S none;
     S emptyBlock = Make<S>("x");
     emptyBlock.CutAt(0);
     EXPECT_TRUE(none.StartsWith(null));
-    EXPECT_FALSE(none.StartsWith(L("").get())) << "a null string starts with nothing";
-    EXPECT_TRUE(emptyBlock.StartsWith(L("").get()));
-    EXPECT_FALSE(none.EndsWith(L("").get()));
+    EXPECT_FALSE(none.StartsWith(L("").c_str())) << "a null string starts with nothing";
+    EXPECT_TRUE(emptyBlock.StartsWith(L("").c_str()));
+    EXPECT_FALSE(none.EndsWith(L("").c_str()));
     S s = Make<S>("Sensor.INI");
-    EXPECT_TRUE(s.IStartsWith(L("sensor").get()));
-    EXPECT_FALSE(s.StartsWith(L("sensor").get()));
-    EXPECT_TRUE(s.IEndsWith(L(".ini").get()));
-    EXPECT_FALSE(s.EndsWith(L(".ini").get()));
-    EXPECT_FALSE(s.EndsWith(L("longer than Sensor.INI").get()));
+    EXPECT_TRUE(s.IStartsWith(L("sensor").c_str()));
+    EXPECT_FALSE(s.StartsWith(L("sensor").c_str()));
+    EXPECT_TRUE(s.IEndsWith(L(".ini").c_str()));
+    EXPECT_FALSE(s.EndsWith(L(".ini").c_str()));
+    EXPECT_FALSE(s.EndsWith(L("longer than Sensor.INI").c_str()));
 }
 
 TYPED_TEST(StringTest, CuttingAndSplitting) {
     using S = TypeParam;
-    using U = std::remove_cv_t<std::remove_pointer_t<decltype(S().CStr())>>;
+    using U = UnitOf<S>;
     S path = Make<S>("dir/sub/file");
     S rest;
     EXPECT_TRUE(path.Split(rest, U('/'), false));
@@ -156,35 +146,35 @@ TYPED_TEST(StringTest, CuttingAndSplitting) {
 
 TYPED_TEST(StringTest, InsertingAndReplacing) {
     using S = TypeParam;
-    using U = std::remove_cv_t<std::remove_pointer_t<decltype(S().CStr())>>;
+    using U = UnitOf<S>;
     auto L = [](char const* a) { return Lit<S>(a); };
     S s = Make<S>("abc");
     s.Insert(U('x'), 3);
     EXPECT_EQ(Ascii(s), "abc") << "a character cannot be inserted at the end";
-    s.Insert(L("xy").get(), 3);
+    s.Insert(L("xy").c_str(), 3);
     EXPECT_EQ(Ascii(s), "abcxy") << "text can";
     S none;
-    none.Insert(L("new").get(), 0);
+    none.Insert(L("new").c_str(), 0);
     EXPECT_EQ(Ascii(none), "new");
 
     S as = Make<S>("aaa");
-    EXPECT_TRUE(as.Replace(L("a").get(), L("aa").get()));
+    EXPECT_TRUE(as.Replace(L("a").c_str(), L("aa").c_str()));
     EXPECT_EQ(Ascii(as), "aaaaaa") << "the replacement is never searched again";
     S mixed = Make<S>("aAbA");
     EXPECT_TRUE(mixed.IReplace(U('a'), U('A')));
     EXPECT_EQ(Ascii(mixed), "AAbA");
     EXPECT_FALSE(mixed.Replace(U(0), U('r')));
     S removeAll = Make<S>("abab");
-    EXPECT_TRUE(removeAll.Replace(L("ab").get(), L("").get()));
+    EXPECT_TRUE(removeAll.Replace(L("ab").c_str(), L("").c_str()));
     EXPECT_TRUE(removeAll.IsEmpty());
     S over = Make<S>("abcdef");
-    over.ReplaceAt(L("XYZW").get(), 4);
+    over.ReplaceAt(L("XYZW").c_str(), 4);
     EXPECT_EQ(Ascii(over), "abcdXY") << "ReplaceAt never grows";
 }
 
 TYPED_TEST(StringTest, TrimmingAndCase) {
     using S = TypeParam;
-    using U = std::remove_cv_t<std::remove_pointer_t<decltype(S().CStr())>>;
+    using U = UnitOf<S>;
     S s = Make<S>(" \t value \r\n");
     EXPECT_TRUE(s.TrimLeft());
     EXPECT_TRUE(s.TrimRight());
@@ -216,7 +206,7 @@ TYPED_TEST(StringTest, AppendingToItself) {
     S text = Make<S>("x");
     text.Append(text.CStr());
     EXPECT_EQ(Ascii(text), "xx");
-    EXPECT_EQ(Ascii(Lit<S>("<").get() + Make<S>("b")), "<b");
+    EXPECT_EQ(Ascii(Lit<S>("<").c_str() + Make<S>("b")), "<b");
 }
 
 TYPED_TEST(StringTest, CharacterClasses) {
@@ -225,8 +215,8 @@ TYPED_TEST(StringTest, CharacterClasses) {
     EXPECT_TRUE(S().IsAlpha());
     EXPECT_FALSE(Make<S>("08.15").IsDigit());
     EXPECT_TRUE(Make<S>("Cam_1").IsAlphaNumUnderscore());
-    EXPECT_TRUE(Make<S>("0x1F").IsCharSet(L("0123456789xABCDEF").get()));
-    EXPECT_FALSE(Make<S>("0x1g").IsCharSet(L("0123456789xABCDEF").get()));
+    EXPECT_TRUE(Make<S>("0x1F").IsCharSet(L("0123456789xABCDEF").c_str()));
+    EXPECT_FALSE(Make<S>("0x1g").IsCharSet(L("0123456789xABCDEF").c_str()));
     EXPECT_FALSE(Make<S>("\x7f").IsPrint());
 }
 
