@@ -3,6 +3,7 @@
 // it were an object.
 #include "ArchiveFiles.h"
 #include "ArchiveTestSupport.h"
+#include "platform/FileTestSupport.h"
 
 #include <gtest/gtest.h>
 #include <qv/core/BError.h>
@@ -38,7 +39,7 @@ bool const registered = [] {
 class DamagedArchive : public testing::Test {
 protected:
     std::unique_ptr<BQuorvelArchive> Open(std::string const& bytes) {
-        WriteFile(m_dir / "d.qva", bytes);
+        WriteBytes(m_dir / "d.qva", bytes);
         return std::make_unique<BQuorvelArchive>(m_dir.U("d.qva").c_str(), BArchive::READ, kName,
                                                  0);
     }
