@@ -87,6 +87,9 @@ TEST(DirectoryServices, AnswersAsWindowsDoes) {
     std::u16string const deep = dir.U() + u"\\x\\y";
     EXPECT_EQ(SHCreateDirectoryExW(nullptr, deep.c_str(), nullptr), ERROR_SUCCESS);
     EXPECT_EQ(SHCreateDirectoryExW(nullptr, deep.c_str(), nullptr), ERROR_ALREADY_EXISTS);
+    EXPECT_TRUE(PathIsDirectoryEmptyW(deep.c_str()));
+    EXPECT_TRUE(RemoveDirectoryW(deep.c_str()));
+    EXPECT_FALSE(RemoveDirectoryW(deep.c_str()));
     WriteBytes(dir / "file", "1");
     EXPECT_EQ(SHCreateDirectoryExW(nullptr, dir.U("file").c_str(), nullptr), ERROR_FILE_EXISTS);
     EXPECT_EQ(SHCreateDirectoryExW(nullptr, u"", nullptr), ERROR_BAD_PATHNAME);

@@ -1,5 +1,3 @@
-#include "platform/FileTestSupport.h"
-
 #include <gtest/gtest.h>
 #include <qv/core/files/BDirEntry.h>
 #include <string>
@@ -71,18 +69,4 @@ TEST(BDirEntry, CombinesPaths) {
     BDirEntry withSep((longDir + u"\\").c_str());
     withSep += BDirEntry(u"abcd");
     EXPECT_EQ(Full(withSep), longDir + u"\\abcd");
-}
-
-TEST(BDirEntry, TouchesTheDirectoryTree) {
-    TempDir dir;
-    // A non-ASCII name written Windows-style.
-    BDirEntry made(WString(dir.U().c_str()) + u"\\Gr\u00FC\u00DFe\\\u6E2C\u5B9A");
-    EXPECT_TRUE(made.MakeDir());
-    EXPECT_FALSE(made.MakeDir()); // an existing directory is no success
-    EXPECT_TRUE(std::filesystem::is_directory(dir / "Gr\xC3\xBC\xC3\x9F"
-                                                    "e/\xE6\xB8\xAC\xE5\xAE\x9A"));
-    EXPECT_TRUE(made.IsEmpty());
-    EXPECT_TRUE(made.RemoveDir());
-    EXPECT_FALSE(made.Exists());
-    EXPECT_FALSE(made.RemoveDir());
 }
