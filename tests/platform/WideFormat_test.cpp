@@ -36,7 +36,6 @@ TEST(WideFormat, StringsAndCharactersOfBothWidths) {
               "nar|row|wi|de|x|y");
     EXPECT_EQ(W(u"%%|%c|%5c", 0x263a, u'z'), "%|\u263a|    z");
     EXPECT_EQ(N("%s|%S|%ls|%C|%lc|%-3c|", "n", u"w", u"x", u'y', u'z', 'q'), "n|w|x|y|z|q  |");
-    EXPECT_EQ(N("%.3s", "abcdef"), "abc");
 }
 
 TEST(WideFormat, IntegersWithFlagsPrecisionAndSizes) {

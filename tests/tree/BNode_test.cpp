@@ -3,7 +3,6 @@
 #include <qv/operations/BDispatcher.h>
 #include <qv/operations/MessageNumbers.h>
 #include <qv/tree/BNode.h>
-#include <qv/tree/BNodeAnnotationItr.h>
 #include <qv/tree/BNodeAttribItr.h>
 #include <qv/tree/BNodeChildItr.h>
 #include <qv/tree/BNodeItr.h>
@@ -137,7 +136,6 @@ TEST_F(NodeTest, DecorationRulesAndMessages) {
     EXPECT_TRUE(n->AddAttrib(second)) << "replaces the one of the same name";
     EXPECT_EQ(n->AttribNum(), 2);
     EXPECT_EQ(n->Attrib(1), second.get()) << "the new one goes to the end";
-    EXPECT_EQ(n->Attrib(u"colour"), second.get());
     EXPECT_EQ(n->Attrib(u"Colour"), nullptr) << "attribute names compare with case";
     EXPECT_EQ(Sent().size(), 3u);
 
@@ -180,14 +178,11 @@ TEST_F(NodeTest, AddingAndRemovingKeepsParentsConsistent) {
     EXPECT_EQ(b->Parent(), one.get());
     EXPECT_FALSE(b->AddChild(one)) << "a node below itself";
     EXPECT_FALSE(one->AddChild(one));
-    EXPECT_EQ(two->ChildNum(), 2);
 
     SP<BNode> held = b;
     EXPECT_TRUE(one->RemoveChild(u"B"));
     EXPECT_EQ(held->Parent(), nullptr);
-    EXPECT_EQ(held->Root(), held.get());
-    EXPECT_EQ(held->ChildNum(), 1) << "the removed branch stays whole";
-    EXPECT_EQ(held->Child(0)->Root(), held.get());
+    EXPECT_EQ(held->Child(0)->Root(), held.get()) << "the removed branch stays whole";
     EXPECT_FALSE(one->RemoveChild(u"b/d")) << "a path of two steps is not a child";
 
     SP<BNode> d = held->Child(0);
@@ -200,13 +195,11 @@ TEST_F(NodeTest, PathsFoldCaseAndSkipLeadingSlashes) {
     SP<BNode> root = new BNode;
     BNode* y = root->QueryChild(u"x/y");
     EXPECT_EQ(root->ChildNum(), 1);
-    EXPECT_EQ(root->QueryChild(u"x/y"), y) << "a second query creates nothing";
-    EXPECT_EQ(root->Child(u"X/Y"), y);
+    EXPECT_EQ(root->QueryChild(u"X/Y"), y) << "a second query creates nothing";
     EXPECT_EQ(root->Child(u"/x"), root->Child(u"x"));
     EXPECT_EQ(root->Child(u"x/"), nullptr);
     BNode* empty = root->Child(u"x")->QueryChild(u"");
     EXPECT_EQ(root->Child(u"x/"), empty) << "an empty last step finds an empty text";
-    EXPECT_EQ(root->Child(static_cast<char16_t const*>(nullptr)), nullptr);
     BNode* unnamed = root->QueryChild(u"/z");
     EXPECT_EQ(WString(unnamed->GetText()), WString(u"z"));
     EXPECT_EQ(WString(unnamed->Parent()->GetText()), WString()) << "no slash is skipped";
@@ -214,7 +207,6 @@ TEST_F(NodeTest, PathsFoldCaseAndSkipLeadingSlashes) {
 
 TEST_F(NodeTest, ChildTextSuggestion) {
     SP<BNode> root = new BNode;
-    EXPECT_EQ(root->ChildTextSuggestion(u"N"), WString(u"N001"));
     root->QueryChild(u"a");
     root->QueryChild(u"b");
     EXPECT_EQ(root->ChildTextSuggestion(u"Scan"), WString(u"Scan003"));
@@ -241,29 +233,23 @@ TEST_F(NodeTest, CopySharesDecorAndDoublesChildren) {
     EXPECT_EQ(copy->GetObj(), object.get());
     EXPECT_EQ(copy->Attrib(0), attribute.get());
     ASSERT_EQ(copy->ChildNum(), 2);
-    EXPECT_NE(copy->Child(0), source->Child(0));
+    EXPECT_NE(copy->Child(u"b/d"), source->Child(u"b/d"));
     EXPECT_EQ(Sent().front().number, MSG_NODE_CHILD_REMOVED);
     EXPECT_EQ(Sent().back(), (Message{MSG_NODE_OBJECT_CHANGED, N(copy), 0}));
-    copy->Child(u"b/d")->SetText(u"changed");
-    EXPECT_NE(source->Child(u"b/d"), nullptr);
 
     *copy = *source->Child(u"b");
     EXPECT_EQ(WString(copy->GetText()), WString(u"b"));
     source->Copy(*source->Child(u"b")); // the source lies inside the target
     EXPECT_EQ(source->ChildNum(), 1);
     EXPECT_EQ(WString(source->Child(0)->GetText()), WString(u"d"));
-}
-
-TEST_F(NodeTest, ClearKeepsTextAndFlags) {
-    SP<BNode> n = SmallTree();
-    n->SetObj(new BSmartObj);
-    n->AddAnnotation(new BSmartObj);
-    n->Deactivate();
-    n->Clear();
-    EXPECT_EQ(n->ChildNum(), 0);
-    EXPECT_EQ(n->GetObj(), nullptr);
-    EXPECT_EQ(WString(n->GetText()), WString(u"a"));
-    EXPECT_FALSE(n->IsActive());
+    // Clear drops the rest but keeps text and flags.
+    source->SetObj(object);
+    source->Deactivate();
+    source->Clear();
+    EXPECT_EQ(source->ChildNum(), 0);
+    EXPECT_EQ(source->GetObj(), nullptr);
+    EXPECT_EQ(WString(source->GetText()), WString(u"a"));
+    EXPECT_FALSE(source->IsActive());
 }
 
 TEST_F(NodeTest, KinshipQueries) {
@@ -273,11 +259,6 @@ TEST_F(NodeTest, KinshipQueries) {
     EXPECT_FALSE(root->IsGrandParent(root));
     EXPECT_TRUE(root->Includes(root));
     EXPECT_FALSE(d->Includes(root));
-    EXPECT_FALSE(root->Includes(nullptr));
-    EXPECT_EQ(root->Child(0)->Sister(), root->Child(1));
-    root->Child(u"b")->Deactivate();
-    EXPECT_FALSE(d->IsBranchActive());
-    EXPECT_TRUE(d->IsActive());
 }
 
 TEST_F(NodeTest, IteratorsWalkDepthFirstAndHonourActivity) {
@@ -286,14 +267,12 @@ TEST_F(NodeTest, IteratorsWalkDepthFirstAndHonourActivity) {
     EXPECT_EQ(Texts(BNodeItr(root->Child(0), BNodeItr::ALL_NODES)), "bd")
         << "the walk stays in its branch";
     root->Child(u"b")->Deactivate();
+    EXPECT_FALSE(root->Child(u"b/d")->IsBranchActive());
+    EXPECT_TRUE(root->Child(u"b/d")->IsActive());
     EXPECT_EQ(Texts(BNodeItr(root, BNodeItr::ACTIVE_NODES)), "ac");
     EXPECT_EQ(Texts(BNodeItr(root->Child(u"b/d"), BNodeItr::ACTIVE_NODES)), "d");
     root->Deactivate();
     EXPECT_FALSE(BNodeItr(root, BNodeItr::ACTIVE_NODES));
-    EXPECT_FALSE(BNodeItr(nullptr, BNodeItr::ALL_NODES));
-    BNodeItr it(root, BNodeItr::ALL_NODES);
-    EXPECT_EQ(it++, root.get());
-    EXPECT_EQ(it.Current(), root->Child(0));
 
     root->SetObj(new Sized(10));
     root->Child(u"b/d")->SetObj(new Sized(5));
@@ -314,8 +293,8 @@ TEST_F(NodeTest, ListIteratorsRemoveSafely) {
     EXPECT_EQ(b->Parent(), nullptr);
     EXPECT_EQ(Sent(), (std::vector<Message>{{MSG_NODE_CHILD_REMOVED, N(b), 0}}));
     children.RemoveCurrent();
-    EXPECT_FALSE(children);
     children.RemoveCurrent(); // no effect at the end
+    EXPECT_FALSE(children);
 
     root->AddAttrib(new Named(u"p"));
     root->AddAttrib(new Named(u"q"));
@@ -326,10 +305,6 @@ TEST_F(NodeTest, ListIteratorsRemoveSafely) {
     EXPECT_FALSE(attributes);
     EXPECT_EQ(root->AttribNum(), 1);
     EXPECT_EQ(Sent(), (std::vector<Message>{{MSG_NODE_DECOR_CHANGED, N(root), 0}}));
-    root->AddAnnotation(new BSmartObj);
-    BNodeAnnotationItr annotations(*root);
-    EXPECT_NE(annotations++, nullptr);
-    EXPECT_FALSE(annotations);
 }
 
 namespace {

@@ -16,17 +16,14 @@ struct Probe : BSmartObj {
 TEST(BArray, GrowsByHalfTheCountAndTheStepKeepsItsGrowth) {
     BArray<int> a;
     std::vector<unsigned long long> capacities;
-    for (int i = 0; i < 1000; ++i) {
+    for (int i = 0; i < 40; ++i) {
         a.Add(i);
         if (capacities.empty() || capacities.back() != a.Capacity())
             capacities.push_back(a.Capacity());
     }
-    std::vector<unsigned long long> first(capacities.begin(), capacities.begin() + 8);
-    EXPECT_EQ(first, (std::vector<unsigned long long>{1, 2, 4, 7, 11, 17, 26, 40}));
-    EXPECT_EQ(a.Count(), 1000u);
-    for (int i = 0; i < 1000; ++i)
+    EXPECT_EQ(capacities, (std::vector<unsigned long long>{1, 2, 4, 7, 11, 17, 26, 40}));
+    for (int i = 0; i < 40; ++i)
         ASSERT_EQ(a[i], i);
-
     // A large step wins over the half-count rule until the count catches up.
     BArray<int> big(128);
     big.Add(1);
@@ -44,69 +41,47 @@ TEST(BArray, AddOfItsOwnElementOnAFullArrayCopiesAValidValue) {
     EXPECT_EQ(a[3], a[0]);
 }
 
-TEST(BArray, RemoveAtCutsTheRangeAndReleasesTheFreedSlots) {
+TEST(BArray, RemoveAtMovesTheTailDownAndReleasesTheFreedSlots) {
     Probe::live = 0;
     BArray<SP<BSmartObj>> a;
-    for (int i = 0; i < 5; ++i)
+    std::vector<BSmartObj*> added;
+    for (int i = 0; i < 6; ++i) {
         a.Add(new Probe);
-    BSmartObj* third = a[2];
+        added.push_back(a[i]);
+    }
+    a.RemoveAt(1, 2);
+    ASSERT_EQ(a.Count(), 4u);
+    EXPECT_EQ(a[1].get(), added[3]);
+    EXPECT_EQ(a[3].get(), added[5]);
+    EXPECT_EQ(Probe::live, 4);
+    // Only the used range is reported, but the freed slots hold null now.
+    EXPECT_EQ(a.begin()[4].get(), nullptr);
+    EXPECT_EQ(a.begin()[5].get(), nullptr);
     a.RemoveAt(2, 100);
+    a.RemoveAt(5, 1); // past the end: nothing
     EXPECT_EQ(a.Count(), 2u);
     EXPECT_EQ(Probe::live, 2);
-    EXPECT_EQ(a.Capacity(), 7u);
-    // Only the used range is reported, but the freed slots hold null now.
-    EXPECT_EQ(a.begin()[2].get(), nullptr);
-    EXPECT_NE(third, nullptr);
-
-    a.RemoveAt(5, 1); // past the end: nothing
-    a.RemoveAt(0, 0);
-    EXPECT_EQ(a.Count(), 2u);
-    a.RemoveAt(0);
-    EXPECT_EQ(a.Count(), 1u);
-    EXPECT_EQ(Probe::live, 1);
 }
 
-TEST(BArray, RemoveAtMovesTheTailDown) {
-    BArray<int> a;
-    for (int i = 0; i < 6; ++i)
-        a.Add(i);
-    a.RemoveAt(1, 2);
-    EXPECT_EQ(std::vector<int>(a.begin(), a.end()), (std::vector<int>{0, 3, 4, 5}));
-    EXPECT_EQ(a.begin()[4], 0);
-    EXPECT_EQ(a.begin()[5], 0);
-}
-
-TEST(BArray, ClearDropsTheStorageAndTheArrayStaysUsable) {
-    BArray<WString> a(4);
-    a.Add(u"x");
-    a.Clear();
-    EXPECT_EQ(a.Capacity(), 0u);
-    EXPECT_EQ(a.Count(), 0u);
-    EXPECT_EQ(a.begin(), nullptr);
-    a.Add(u"y");
-    EXPECT_EQ(a.Count(), 1u);
-    EXPECT_EQ(a[0], u"y");
-}
-
-TEST(BArray, AssignmentShrinksAndResetsTheSlotsLeft) {
+TEST(BArray, ClearAndAssignmentDropWhatTheyNoLongerHold) {
     Probe::live = 0;
     BArray<SP<BSmartObj>> a, b;
     for (int i = 0; i < 4; ++i)
         a.Add(new Probe);
     b.Add(new Probe);
-    EXPECT_EQ(Probe::live, 5);
     a = b;
     EXPECT_EQ(a.Count(), 1u);
     EXPECT_EQ(a[0].get(), b[0].get());
     EXPECT_EQ(Probe::live, 1);
     EXPECT_EQ(a.begin()[1].get(), nullptr);
-
     auto const& self = a;
     a = self;
     EXPECT_EQ(a.Count(), 1u);
-    BArray<SP<BSmartObj>> c(a);
-    EXPECT_EQ(c.Count(), 1u);
-    EXPECT_EQ(c.Capacity(), 1u);
+    a.Clear();
+    EXPECT_EQ(a.Capacity(), 0u);
+    EXPECT_EQ(a.begin(), nullptr);
+    a.Add(nullptr);
+    EXPECT_EQ(a.Count(), 1u);
 }
 
 TEST(BArray, ResizeFillsWithDefaultsAlsoAfterAShrink) {

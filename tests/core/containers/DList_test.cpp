@@ -5,49 +5,37 @@
 
 namespace {
 
+// The values from the head. The walk back from the tail must give the same, so that the prev
+// links are checked as well as the next links.
 template <class T>
 std::vector<T> Values(DList<T> const& list) {
-    return std::vector<T>(list.begin(), list.end());
-}
-
-// Walks back from the tail, so that the prev links are checked as well as the next links.
-template <class T>
-std::vector<T> Backwards(DList<T> const& list) {
-    std::vector<T> out;
+    std::vector<T> forward(list.begin(), list.end()), backward;
     for (auto pos = list.TailPosition(); pos.IsValid(); pos.Prev())
-        out.insert(out.begin(), *pos);
-    return out;
+        backward.insert(backward.begin(), *pos);
+    EXPECT_EQ(backward, forward);
+    return forward;
 }
 
-TEST(DList, HeadAndTailAdditionsKeepBothLinksAndTheCount) {
+TEST(DList, AdditionsKeepBothLinksAndTheCount) {
     DList<int> list;
     list.AddHead(2);
-    EXPECT_EQ(list.GetHead(), 2);
-    EXPECT_EQ(list.GetTail(), 2);
     list.AddTail(3);
     list.AddHead(1);
     EXPECT_EQ(Values(list), (std::vector<int>{1, 2, 3}));
-    EXPECT_EQ(Backwards(list), Values(list));
-    EXPECT_EQ(list.Count(), 3);
-
-    DList<int> other;
-    other.AddTail(9);
-    list.AddList(other);
     list.AddList(list); // adding a list to itself doubles it and stops
-    EXPECT_EQ(list.Count(), 8);
+    EXPECT_EQ(Values(list), (std::vector<int>{1, 2, 3, 1, 2, 3}));
+    EXPECT_EQ(list.Count(), 6);
 }
 
 TEST(DList, InsertAfterAndRemoveAtMoveThroughTheList) {
     DList<int> list;
     for (int i : {1, 3, 5})
         list.AddTail(i);
-    auto pos = list.HeadPosition();
-    list.InsertAfter(pos, 2);
+    list.InsertAfter(list.HeadPosition(), 2);
     list.InsertAfter(list.TailPosition(), 6);
     EXPECT_EQ(Values(list), (std::vector<int>{1, 2, 3, 5, 6}));
-    EXPECT_EQ(Backwards(list), Values(list));
 
-    pos = list.PositionAt(2);
+    auto pos = list.PositionAt(2);
     list.RemoveAt(pos);
     ASSERT_TRUE(pos.IsValid());
     EXPECT_EQ(*pos, 5);
@@ -71,11 +59,10 @@ TEST(DList, RemovingTheOnlyNodeEmptiesTheList) {
     auto pos = list.HeadPosition();
     list.RemoveAt(pos);
     EXPECT_FALSE(pos.IsValid());
-    EXPECT_EQ(list.Count(), 0);
     EXPECT_FALSE(list.HeadPosition().IsValid());
     EXPECT_FALSE(list.TailPosition().IsValid());
     list.AddTail(4);
-    EXPECT_EQ(Backwards(list), (std::vector<int>{4}));
+    EXPECT_EQ(Values(list), (std::vector<int>{4}));
 }
 
 struct Probe : BSmartObj {

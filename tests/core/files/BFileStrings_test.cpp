@@ -1,5 +1,4 @@
-// The string file forms on streams that BFile opens: lines through every read mode, binary
-// records through binary files, and formatted text written as Windows writes it.
+// Lines read from streams that BFile opens, through every read mode.
 #include "platform/FileTestSupport.h"
 
 #include <gtest/gtest.h>
@@ -115,50 +114,4 @@ TEST(BFileStrings, LongLinesComeBackWholeThroughUtf16Text) {
     EXPECT_TRUE(line.ReadLn(in)); // nothing left, but the end was not flagged yet
     EXPECT_TRUE(line.IsEmpty());
     EXPECT_FALSE(line.ReadLn(in));
-}
-
-TEST(BFileStrings, RecordsFollowEachOtherThroughBinaryFiles) {
-    TempDir dir;
-    WString const wide[] = {WString(u"eins"), WString(), WString(u"Gr\u00FC\u00DF\u20AC"),
-                            WString(std::u16string(5000, u'z'))};
-    BString const narrow[] = {BString("zwei"), BString(), BString("\xFF\x01")};
-    {
-        BFile out(dir.U("r.bin").c_str(), u"wb");
-        for (std::size_t i = 0; i < std::size(wide); ++i) {
-            ASSERT_TRUE(wide[i].FWrite(out));
-            if (i < std::size(narrow)) {
-                ASSERT_TRUE(narrow[i].FWrite(out));
-            }
-        }
-    }
-    BFile in(dir.U("r.bin").c_str(), u"rb");
-    WString w(u"old");
-    BString b("old");
-    for (std::size_t i = 0; i < std::size(wide); ++i) {
-        ASSERT_TRUE(w.FRead(in));
-        EXPECT_EQ(w, wide[i]);
-        if (i < std::size(narrow)) {
-            ASSERT_TRUE(b.FRead(in));
-            EXPECT_EQ(b, narrow[i]);
-        }
-    }
-    EXPECT_FALSE(w.FRead(in)); // no further header: the string stays
-    EXPECT_EQ(w, wide[3]);
-}
-
-TEST(BFileStrings, FormattedExportMatchesWhatWindowsWrites) {
-    TempDir dir;
-    {
-        BFile out(dir.U("w.txt").c_str(), u"wt,ccs=UTF-16LE");
-        WString line;
-        line.Printf(u"%s\t%s %d%%\n", WString(u"$KEY"), u"Gr\u00FC\u00DF\u20AC", 100);
-        ASSERT_EQ(qv::platform::fputws16(line, out), 0);
-        line.Printf(u"%s %s\n", u"second", WString(u"line"));
-        ASSERT_EQ(qv::platform::fputws16(line, out), 0);
-    }
-    EXPECT_EQ(ReadBytes(dir / "w.txt"), DataFile("utf16le_written_by_windows.txt"));
-    // And back through the line reader.
-    BFile in(dir.U("w.txt").c_str(), u"r,ccs=UTF-16LE");
-    std::vector<WString> const expected{u"$KEY\tGr\u00FC\u00DF\u20AC 100%", u"second line", u""};
-    EXPECT_EQ(ReadAllLines<WString>(in), expected);
 }

@@ -27,10 +27,7 @@ TEST(BFile, OpensOnceClosesAndRewinds) {
     TempDir dir;
     WriteBytes(dir / "a.txt", "line1\r\nline2\r\n");
     BFile file;
-    EXPECT_EQ(static_cast<std::FILE*>(file), nullptr);
     EXPECT_FALSE(file.Rewind());
-    EXPECT_FALSE(file.Open(nullptr, u"rt"));
-    EXPECT_FALSE(file.Open(dir.U("a.txt").c_str(), nullptr));
     ASSERT_TRUE(file.Open(dir.U("a.txt").c_str(), u"rt"));
     std::FILE* const stream = file;
     EXPECT_FALSE(file.Open(dir.U("a.txt").c_str(), u"rb"));
@@ -42,10 +39,7 @@ TEST(BFile, OpensOnceClosesAndRewinds) {
     file.Close();
     EXPECT_EQ(static_cast<std::FILE*>(file), nullptr);
     file.Close();
-    BFile missing(dir.U("none").c_str(), u"rb");
-    EXPECT_EQ(static_cast<std::FILE*>(missing), nullptr);
-    BFile shared;
-    EXPECT_TRUE(shared.OpenShared(dir.U("a.txt").c_str(), u"r,ccs=UTF-16LE"));
+    EXPECT_TRUE(BFile().OpenShared(dir.U("a.txt").c_str(), u"r,ccs=UTF-16LE"));
 }
 
 TEST(BFile, ExistAndKind) {
@@ -55,16 +49,12 @@ TEST(BFile, ExistAndKind) {
     EXPECT_TRUE(BFile::Exist(dir.U("f.txt").c_str()));
     EXPECT_TRUE(BFile::Exist((dir.U() + u"\\*.TXT").c_str())); // wildcards count as a match
     EXPECT_FALSE(BFile::Exist(dir.U("none").c_str()));
-    EXPECT_FALSE(BFile::Exist(nullptr));
     EXPECT_TRUE(BFile::Exist(dir.U("sub").c_str()));
     EXPECT_FALSE(BFile::Exist((dir.U("sub") + u"/").c_str()));
     EXPECT_TRUE(BFile::Exist(u"/"));
-
     EXPECT_TRUE(BFile::IsDirectory(dir.U("sub").c_str()));
-    EXPECT_FALSE(BFile::IsDirectory(dir.U("f.txt").c_str()));
     EXPECT_EQ(BFile::Size(dir.U("f.txt").c_str()), 5);
     EXPECT_EQ(BFile::Size(dir.U("sub").c_str()), -1);
-    EXPECT_EQ(BFile::Size(nullptr), -1);
 }
 
 TEST(BFile, IsUnicodeReadsTheByteOrderMark) {
@@ -82,7 +72,6 @@ TEST(BFile, IsUnicodeReadsTheByteOrderMark) {
         WriteBytes(dir / "f", std::string(c.bytes, c.size));
         EXPECT_EQ(BFile::IsUnicode(dir.U("f").c_str()), c.unicode) << c.size;
     }
-    EXPECT_FALSE(BFile::IsUnicode(nullptr));
 }
 
 TEST(BFile, ConvertToUnicodeKeepsPercentSignsAndLineEnds) {
@@ -100,10 +89,6 @@ TEST(BFile, ConvertToUnicodeKeepsPercentSignsAndLineEnds) {
     // Already Unicode: untouched.
     EXPECT_EQ(BFile::ConvertToUnicode(dir.U("s.ini").c_str()), 0);
     EXPECT_EQ(ReadBytes(dir / "s.ini"), expected);
-    WriteBytes(dir / "u8.ini", "\xEF\xBB\xBFkey=1\n");
-    EXPECT_EQ(BFile::ConvertToUnicode(dir.U("u8.ini").c_str()), 0);
-    EXPECT_EQ(ReadBytes(dir / "u8.ini"), "\xEF\xBB\xBFkey=1\n");
-    EXPECT_EQ(BFile::ConvertToUnicode(nullptr), BFile::kFileError);
     // A zero byte ends its block's text.
     WriteBytes(dir / "z.txt", "ab\0cd"s);
     EXPECT_EQ(BFile::ConvertToUnicode(dir.U("z.txt").c_str()), 0);
@@ -118,13 +103,11 @@ TEST(BFile, DeleteByPatternSkipsReadOnlyFilesAndDirectories) {
     fs::create_directory(dir / "d.tmp");
     MakeReadOnly(dir / "ro.tmp");
     EXPECT_EQ(BFile::Delete(WString(dir.U().c_str()) + u"\\*.tmp"), 2);
-    EXPECT_FALSE(fs::exists(dir / "a.tmp"));
-    EXPECT_FALSE(fs::exists(dir / "b.TMP"));
-    EXPECT_TRUE(fs::exists(dir / "ro.tmp"));
-    EXPECT_TRUE(fs::exists(dir / "d.tmp"));
-    EXPECT_TRUE(fs::exists(dir / "keep.txt"));
+    for (char const* gone : {"a.tmp", "b.TMP"})
+        EXPECT_FALSE(fs::exists(dir / gone)) << gone;
+    for (char const* kept : {"ro.tmp", "d.tmp", "keep.txt"})
+        EXPECT_TRUE(fs::exists(dir / kept)) << kept;
     EXPECT_EQ(BFile::Delete(WString(dir.U().c_str()) + u"/*.none"), -1);
-    EXPECT_EQ(BFile::Delete(WString()), 0);
     // Without a path part the names are taken in the current directory.
     auto const cwd = fs::current_path();
     fs::current_path(dir.Path());
@@ -139,9 +122,7 @@ TEST(BFile, ShortPathNames) {
     auto const [blank, status] = BFile::GetShortPathNameW(dir.U("with blank.txt").c_str());
     EXPECT_EQ(std::u16string(blank.View()), dir.U("with blank.txt"));
     EXPECT_EQ(status, BFile::kShortPathNameExt);
-    auto const missing = BFile::GetShortPathNameW(dir.U("none").c_str());
-    EXPECT_TRUE(missing.first.IsEmpty());
-    EXPECT_EQ(missing.second, BFile::kShortPathNameExt);
+    EXPECT_TRUE(BFile::GetShortPathNameW(dir.U("none").c_str()).first.IsEmpty());
     // Long paths pass with the long-path prefix.
     std::string deep = dir.Path();
     while (deep.size() < 300)

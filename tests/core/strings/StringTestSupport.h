@@ -5,29 +5,22 @@
 #include <qv/core/strings/BString.h>
 #include <qv/core/strings/WString.h>
 #include <string>
+#include <type_traits>
+
+// The unit type of S.
+template <class S>
+using UnitOf = std::remove_cv_t<std::remove_pointer_t<decltype(S().CStr())>>;
 
 // An ASCII literal in the unit type of S.
 template <class S>
-struct Lit;
-
-template <>
-struct Lit<BString> {
-    std::string text;
-    explicit Lit(char const* ascii) : text(ascii) {}
-    char const* get() const { return text.c_str(); }
-};
-
-template <>
-struct Lit<WString> {
-    std::u16string text;
-    explicit Lit(char const* ascii) : text(ascii, ascii + std::char_traits<char>::length(ascii)) {}
-    char16_t const* get() const { return text.c_str(); }
-};
+std::basic_string<UnitOf<S>> Lit(char const* ascii) {
+    return {ascii, ascii + std::char_traits<char>::length(ascii)};
+}
 
 // Makes the string S holding ascii.
 template <class S>
 S Make(char const* ascii) {
-    return S(Lit<S>(ascii).get());
+    return S(Lit<S>(ascii).c_str());
 }
 
 // The string's text as ASCII, for readable failure messages.
