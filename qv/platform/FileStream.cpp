@@ -122,6 +122,10 @@ void UnregisterAnsi(std::FILE* f) {
 // --- The translating layer under stdio ------------------------------------------------------
 
 constexpr std::size_t kRawSize = 64 * 1024;
+// stdio's buffer of a text stream opened for reading. A UTF-16LE file is read straight into
+// it, so its size is that of a read(): stdio's own choice for a cookie stream, 8 KB, would
+// spend as much time in calls to the system as in copying.
+constexpr std::size_t kReadBufferSize = 64 * 1024;
 constexpr unsigned char kCtrlZ = 0x1A;
 
 // One text stream: the file descriptor, the encoding of its bytes and the state of the
@@ -134,6 +138,7 @@ struct TextStream {
     std::FILE* file = nullptr;
     long long position = 0; // in the runtime's view
 
+    std::vector<char> readBuffer; // stdio's, for reading
     std::vector<unsigned char> raw;
     std::size_t rawPos = 0;
     std::size_t rawEnd = 0;
@@ -150,6 +155,14 @@ struct TextStream {
     unsigned Unit16(std::size_t at) const { return raw[at] | (raw[at + 1] << 8); }
 };
 
+ssize_t ReadSome(int fd, void* to, std::size_t size) {
+    ssize_t got;
+    do
+        got = ::read(fd, to, size);
+    while (got < 0 && errno == EINTR);
+    return got;
+}
+
 // Reads more bytes behind those not yet used. False on a read error.
 bool Fill(TextStream& s) {
     if (s.rawPos > 0) {
@@ -158,10 +171,7 @@ bool Fill(TextStream& s) {
         s.rawEnd -= s.rawPos;
         s.rawPos = 0;
     }
-    ssize_t got;
-    do
-        got = ::read(s.fd, s.raw.data() + s.rawEnd, s.raw.size() - s.rawEnd);
-    while (got < 0 && errno == EINTR);
+    ssize_t const got = ReadSome(s.fd, s.raw.data() + s.rawEnd, s.raw.size() - s.rawEnd);
     if (got < 0)
         return false;
     if (got == 0)
@@ -262,51 +272,87 @@ bool DecodeNext(TextStream& s) {
     return false;
 }
 
-// The common case of a UTF-16LE file: the units up to the next CR are copied as they are, so
-// the translation costs little more than a copy. One unit stays behind as the lookahead of a CR.
-std::size_t ReadUtf16Bulk(TextStream& s, unsigned char* buf, std::size_t size) {
-    std::size_t n = 0;
-    while (n + 2 <= size && s.Avail() >= 4) {
-        unsigned char const* const p = s.raw.data() + s.rawPos;
-        std::size_t const units = std::min((s.Avail() - 2) / 2, (size - n) / 2);
-        std::size_t plain = units;
-        for (auto const* cr = p;
-             (cr = static_cast<unsigned char const*>(std::memchr(cr, '\r', p + 2 * units - cr)));
-             ++cr) {
-            if ((cr - p) % 2 == 0 && cr[1] == 0) {
-                plain = static_cast<std::size_t>(cr - p) / 2;
-                break;
-            }
-        }
-        std::memcpy(buf + n, p, 2 * plain);
-        n += 2 * plain;
-        s.rawPos += 2 * plain;
-        if (plain < units) { // a CR, with its next unit in the buffer
-            bool const crlf = s.Unit16(s.rawPos + 2) == '\n';
-            buf[n++] = crlf ? '\n' : '\r';
-            buf[n++] = 0;
-            s.rawPos += crlf ? 4 : 2;
-        }
+// Folds CR LF to LF in place in the UTF-16LE units [p, p + bytes); returns the bytes left. A
+// CR in the last unit stays a CR: the caller keeps back a CR whose next unit is still to come.
+std::size_t FoldCrLf(unsigned char* p, std::size_t bytes) {
+    unsigned char const* const end = p + bytes;
+    unsigned char* out = p;
+    for (unsigned char const* in = p; in < end;) {
+        unsigned char const* cr = in;
+        while ((cr = static_cast<unsigned char const*>(std::memchr(cr, '\r', end - cr))) &&
+               ((cr - in) % 2 != 0 || cr[1] != 0))
+            ++cr;
+        if (!cr)
+            cr = end;
+        std::size_t const run = static_cast<std::size_t>(cr - in);
+        if (out != in)
+            std::memmove(out, in, run);
+        out += run;
+        if (cr == end)
+            break;
+        bool const crlf = cr + 2 < end && cr[2] == '\n' && cr[3] == 0;
+        *out++ = crlf ? '\n' : '\r';
+        *out++ = 0;
+        in = cr + (crlf ? 4 : 2);
     }
-    return n;
+    return static_cast<std::size_t>(out - p);
+}
+
+// A UTF-16LE file is read straight into the buffer stdio passes and folded there, so its
+// bytes are copied once. Bytes that an earlier read of a smaller size left in the raw buffer
+// come first. What cannot be delivered yet, an odd byte or a CR whose next unit is still to
+// come, waits in the raw buffer for the next call.
+ssize_t ReadUtf16(TextStream& s, unsigned char* buf, std::size_t size) {
+    for (;;) {
+        std::size_t got = std::min(s.Avail(), size);
+        std::memcpy(buf, s.raw.data() + s.rawPos, got);
+        s.rawPos += got;
+        bool failed = false;
+        if (s.Avail() == 0 && !s.atEnd && got < size) {
+            ssize_t const done = ReadSome(s.fd, buf + got, size - got);
+            failed = done < 0;
+            s.atEnd = done == 0;
+            got += failed ? 0 : static_cast<std::size_t>(done);
+        }
+        bool const last = s.atEnd && s.Avail() == 0; // nothing follows these bytes
+        std::size_t whole = got - got % 2;           // an odd last byte of the file is dropped
+        if (!last && whole >= 2 && buf[whole - 2] == '\r' && buf[whole - 1] == 0)
+            whole -= 2;
+        std::size_t const kept = last ? 0 : got - whole;
+        if (s.Avail() > 0) {
+            s.rawPos -= kept;
+        } else {
+            std::memcpy(s.raw.data(), buf + whole, kept);
+            s.rawPos = 0;
+            s.rawEnd = kept;
+        }
+        if (whole > 0 || last)
+            return static_cast<ssize_t>(FoldCrLf(buf, whole));
+        if (failed)
+            return -1;
+    }
 }
 
 ssize_t ReadText(void* cookie, char* buffer, std::size_t size) {
     auto& s = *static_cast<TextStream*>(cookie);
     auto* buf = reinterpret_cast<unsigned char*>(buffer);
-    std::size_t n = 0;
-    while (n < size) {
-        if (s.outPos < s.outLen) {
+    auto takeOut = [&](std::size_t& n) {
+        while (n < size && s.outPos < s.outLen)
             buf[n++] = s.out[s.outPos++];
-            continue;
-        }
-        if (s.encoding == Encoding::Utf16Le)
-            n += ReadUtf16Bulk(s, buf + n, size - n);
-        if (n < size && !DecodeNext(s))
-            break;
+    };
+    std::size_t n = 0;
+    takeOut(n); // the rest of a character that an earlier, smaller read began
+    if (s.encoding == Encoding::Utf16Le && size - n >= 4) { // room for a CR and its next unit
+        ssize_t const done = ReadUtf16(s, buf + n, size - n);
+        if (done < 0 && n == 0)
+            return -1;
+        n += static_cast<std::size_t>(std::max<ssize_t>(done, 0));
+    } else {
+        while (n < size && DecodeNext(s))
+            takeOut(n);
+        if (n == 0 && !s.atEnd && s.Avail() == 0)
+            return -1; // a read error, not the end
     }
-    if (n == 0 && !s.atEnd && s.Avail() == 0 && s.outPos == s.outLen)
-        return -1; // a read error, not the end
     s.position += static_cast<long long>(n);
     return static_cast<ssize_t>(n);
 }
@@ -501,6 +547,10 @@ int OpenText(std::FILE** stream, std::string const& native, Mode const& mode) {
         s->raw.resize(mode.access == 'r' ? kRawSize : 0);
         s->file = ::fopencookie(s.get(), mode.access == 'r' ? "r" : "w", io);
         error = s->file ? 0 : ENOMEM;
+        if (s->file && mode.access == 'r') {
+            s->readBuffer.resize(kReadBufferSize);
+            std::setvbuf(s->file, s->readBuffer.data(), _IOFBF, kReadBufferSize);
+        }
     }
     if (!s->file) {
         ::close(fd);

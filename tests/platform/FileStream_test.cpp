@@ -5,6 +5,7 @@
 #include <qv/platform/FileStream.h>
 #include <qv/platform/WideStream.h>
 #include <string>
+#include <vector>
 
 using namespace qv::platform;
 using namespace std::string_literals;
@@ -136,6 +137,28 @@ TEST(FileStream, LinesComeWholeAcrossBufferBoundaries) {
     std::rewind(f.get());
     EXPECT_EQ(fgetwc16(f.get()), u'\n');
     EXPECT_EQ(std::ftell(f.get()), 2);
+}
+
+TEST(FileStream, CrLfAndOddBytesFoldAtEveryEdgeOfStdiosBuffer) {
+    TempDir dir;
+    WriteBytes(dir / "a.txt", "\xFF\xFE"s + "a\0\r\0\n\0b\0\r\0\r\0\n\0c\0\r\0x"s);
+    for (std::size_t size = 1; size < 10; ++size) {
+        std::vector<char> buffer(size);
+        Stream const f = OpenStream(dir / "a.txt", u"r,ccs=UTF-16LE");
+        ASSERT_EQ(std::setvbuf(f.get(), buffer.data(), _IOFBF, size), 0);
+        std::u16string units;
+        for (int c; (c = fgetwc16(f.get())) != kWEOF;)
+            units.push_back(static_cast<char16_t>(c));
+        EXPECT_EQ(units, u"a\nb\r\nc\r") << size;
+    }
+    // Unbuffered, stdio reads a byte at a time and then a large fread into the caller's memory.
+    Stream const f = OpenStream(dir / "a.txt", u"r,ccs=UTF-16LE");
+    ASSERT_EQ(std::setvbuf(f.get(), nullptr, _IONBF, 0), 0);
+    EXPECT_EQ(fgetwc16(f.get()), u'a');
+    EXPECT_EQ(std::fgetc(f.get()), '\n');
+    std::string rest(64, '\0');
+    rest.resize(std::fread(rest.data(), 1, rest.size(), f.get()));
+    EXPECT_EQ(rest, "\0b\0\r\0\n\0c\0\r\0"s);
 }
 
 TEST(FileStream, BadArgumentsAndMissingFiles) {
