@@ -161,6 +161,23 @@ TEST(FileStream, CrLfAndOddBytesFoldAtEveryEdgeOfStdiosBuffer) {
     EXPECT_EQ(rest, "\0b\0\r\0\n\0c\0\r\0"s);
 }
 
+TEST(FileStream, OnlyALineFeedEndsALineRead) {
+    TempDir dir;
+    // Units that share bits or bytes with a line feed, and a zero unit, which ends the text.
+    std::u16string const line = u"\u0002\u0008\u0A0A\u000B" + std::u16string(20, u'x') + u"\0y\n"s;
+    std::string bytes;
+    for (char16_t u : line + u"z")
+        bytes += {static_cast<char>(u & 0xFF), static_cast<char>(u >> 8)};
+    WriteBytes(dir / "c.bin", bytes);
+    Stream const f = OpenStream(dir / "c.bin", u"rb");
+    char16_t buffer[64];
+    _lock_file(f.get());
+    EXPECT_EQ(GetLineUnlocked(buffer, 64, f.get()), 24);
+    _unlock_file(f.get());
+    EXPECT_EQ(std::u16string(buffer, line.size()), line);
+    EXPECT_EQ(fgetwc16(f.get()), u'z');
+}
+
 TEST(FileStream, BadArgumentsAndMissingFiles) {
     TempDir dir;
     std::FILE* f = reinterpret_cast<std::FILE*>(1);
