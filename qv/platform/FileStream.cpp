@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <atomic>
+#include <bit>
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
@@ -13,9 +14,13 @@
 #include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <unordered_set>
+#include <unordered_map>
 #include <utility>
 #include <vector>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace qv::platform {
 
@@ -99,33 +104,9 @@ std::optional<Mode> ParseMode(std::u16string_view s) {
     return mode;
 }
 
-// --- Registry of ANSI text streams, which the 16-bit character functions must know ---------
-
-std::shared_mutex registryMutex;
-std::unordered_set<std::FILE*> ansiStreams;
-// Counts changes of the registry, so that a thread may keep its last answer until one happens:
-// the wide functions ask once per call, and a line-by-line reader calls them very often.
-std::atomic<std::uint64_t> registryGeneration{1};
-
-void RegisterAnsi(std::FILE* f) {
-    std::unique_lock lock(registryMutex);
-    ansiStreams.insert(f);
-    registryGeneration.fetch_add(1, std::memory_order_release);
-}
-
-void UnregisterAnsi(std::FILE* f) {
-    std::unique_lock lock(registryMutex);
-    ansiStreams.erase(f);
-    registryGeneration.fetch_add(1, std::memory_order_release);
-}
-
 // --- The translating layer under stdio ------------------------------------------------------
 
 constexpr std::size_t kRawSize = 64 * 1024;
-// stdio's buffer of a text stream opened for reading. A UTF-16LE file is read straight into
-// it, so its size is that of a read(): stdio's own choice for a cookie stream, 8 KB, would
-// spend as much time in calls to the system as in copying.
-constexpr std::size_t kReadBufferSize = 64 * 1024;
 constexpr unsigned char kCtrlZ = 0x1A;
 
 // One text stream: the file descriptor, the encoding of its bytes and the state of the
@@ -138,7 +119,6 @@ struct TextStream {
     std::FILE* file = nullptr;
     long long position = 0; // in the runtime's view
 
-    std::vector<char> readBuffer; // stdio's, for reading
     std::vector<unsigned char> raw;
     std::size_t rawPos = 0;
     std::size_t rawEnd = 0;
@@ -155,13 +135,46 @@ struct TextStream {
     unsigned Unit16(std::size_t at) const { return raw[at] | (raw[at + 1] << 8); }
 };
 
-ssize_t ReadSome(int fd, void* to, std::size_t size) {
-    ssize_t got;
-    do
-        got = ::read(fd, to, size);
-    while (got < 0 && errno == EINTR);
-    return got;
+// --- Registry of text streams, which the 16-bit character functions ask about --------------
+
+std::shared_mutex registryMutex;
+std::unordered_map<std::FILE*, TextStream*> textStreams;
+// Counts changes of the registry, so that a thread may keep its last answer until one happens:
+// the wide functions ask once per call, and a line-by-line reader calls them very often.
+std::atomic<std::uint64_t> registryGeneration{1};
+
+void Register(TextStream* s) {
+    std::unique_lock lock(registryMutex);
+    textStreams.emplace(s->file, s);
+    registryGeneration.fetch_add(1, std::memory_order_release);
 }
+
+void Unregister(TextStream const* s) {
+    std::unique_lock lock(registryMutex);
+    textStreams.erase(s->file);
+    registryGeneration.fetch_add(1, std::memory_order_release);
+}
+
+// The layer under a stream opened here in a text mode, or null. It lives as long as the stream
+// is open, which the caller's use of the stream guarantees.
+TextStream* FindTextStream(std::FILE* stream) {
+    struct Answer {
+        std::FILE* stream = nullptr;
+        std::uint64_t generation = 0;
+        TextStream* text = nullptr;
+    };
+    thread_local Answer last;
+    std::uint64_t const generation = registryGeneration.load(std::memory_order_acquire);
+    if (last.stream == stream && last.generation == generation)
+        return last.text;
+    std::shared_lock lock(registryMutex);
+    auto const found = textStreams.find(stream);
+    last = {stream, registryGeneration.load(std::memory_order_relaxed),
+            found == textStreams.end() ? nullptr : found->second};
+    return last.text;
+}
+
+// --- Reading ---------------------------------------------------------------------------------
 
 // Reads more bytes behind those not yet used. False on a read error.
 bool Fill(TextStream& s) {
@@ -171,7 +184,10 @@ bool Fill(TextStream& s) {
         s.rawEnd -= s.rawPos;
         s.rawPos = 0;
     }
-    ssize_t const got = ReadSome(s.fd, s.raw.data() + s.rawEnd, s.raw.size() - s.rawEnd);
+    ssize_t got;
+    do
+        got = ::read(s.fd, s.raw.data() + s.rawEnd, s.raw.size() - s.rawEnd);
+    while (got < 0 && errno == EINTR);
     if (got < 0)
         return false;
     if (got == 0)
@@ -272,90 +288,142 @@ bool DecodeNext(TextStream& s) {
     return false;
 }
 
-// Folds CR LF to LF in place in the UTF-16LE units [p, p + bytes); returns the bytes left. A
-// CR in the last unit stays a CR: the caller keeps back a CR whose next unit is still to come.
-std::size_t FoldCrLf(unsigned char* p, std::size_t bytes) {
-    unsigned char const* const end = p + bytes;
-    unsigned char* out = p;
-    for (unsigned char const* in = p; in < end;) {
-        unsigned char const* cr = in;
-        while ((cr = static_cast<unsigned char const*>(std::memchr(cr, '\r', end - cr))) &&
-               ((cr - in) % 2 != 0 || cr[1] != 0))
-            ++cr;
-        if (!cr)
-            cr = end;
-        std::size_t const run = static_cast<std::size_t>(cr - in);
-        if (out != in)
-            std::memmove(out, in, run);
-        out += run;
-        if (cr == end)
-            break;
-        bool const crlf = cr + 2 < end && cr[2] == '\n' && cr[3] == 0;
-        *out++ = crlf ? '\n' : '\r';
-        *out++ = 0;
-        in = cr + (crlf ? 4 : 2);
+// What CopyUnits took and put out, in units.
+struct Copied {
+    std::size_t in = 0;
+    std::size_t out = 0;
+};
+
+// Copies UTF-16LE units from in (count of them) to out (room for max), both little-endian
+// bytes, in one pass that looks at sixteen units at a time where SSE2 is there.
+// - Fold: CR LF becomes LF, as reading a text stream shows it. A CR that is the last unit of in
+//   stays there for the caller to bring its next unit, unless last says that none follows.
+// - Line: the copy ends behind a line feed; line notes it and the first zero unit.
+template <bool Fold, bool Line>
+Copied CopyUnits(unsigned char const* in, std::size_t count, unsigned char* out, std::size_t max,
+                 bool last, LineRead* line) {
+    auto unitAt = [in](std::size_t at) {
+        return static_cast<char16_t>(in[2 * at] | in[2 * at + 1] << 8);
+    };
+#if defined(__SSE2__)
+    // A unit with no bits outside those of a line feed (0x000A) is a line feed or zero, or one
+    // of the control characters 2 and 8, which the unit's own check below passes over.
+    __m128i const cr = _mm_set1_epi16('\r');
+    __m128i const otherBits = _mm_set1_epi16(static_cast<short>(~u'\n'));
+    __m128i const zero = _mm_setzero_si128();
+    auto hitsOf = [&](__m128i units) {
+        __m128i hits = Fold ? _mm_cmpeq_epi16(units, cr) : zero;
+        if (Line)
+            hits = _mm_or_si128(hits, _mm_cmpeq_epi16(_mm_and_si128(units, otherBits), zero));
+        return static_cast<unsigned>(_mm_movemask_epi8(hits));
+    };
+#endif
+    std::size_t i = 0;
+    std::size_t o = 0;
+    for (;;) {
+#if defined(__SSE2__)
+        while (i + 16 <= count && o + 16 <= max) {
+            __m128i const a = _mm_loadu_si128(reinterpret_cast<__m128i const*>(in + 2 * i));
+            __m128i const b = _mm_loadu_si128(reinterpret_cast<__m128i const*>(in + 2 * i + 16));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 2 * o), a);
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 2 * o + 16), b);
+            unsigned const hits = hitsOf(a) | hitsOf(b) << 16;
+            std::size_t const plain = hits ? std::countr_zero(hits) / 2 : 16;
+            i += plain;
+            o += plain;
+            if (hits)
+                break; // the unit at i is for the check below
+        }
+#endif
+        if (i == count || o == max)
+            return {i, o};
+        char16_t unit = unitAt(i++);
+        if (Fold && unit == u'\r') {
+            if (i == count && !last) // its next unit is still to come
+                return {i - 1, o};
+            if (i < count && unitAt(i) == u'\n') {
+                unit = u'\n';
+                ++i;
+            }
+        }
+        out[2 * o] = static_cast<unsigned char>(unit);
+        out[2 * o + 1] = static_cast<unsigned char>(unit >> 8);
+        ++o;
+        if (Line && line->Ends(line->taken + static_cast<long>(o) - 1, unit))
+            return {i, o};
     }
-    return static_cast<std::size_t>(out - p);
 }
 
-// A UTF-16LE file is read straight into the buffer stdio passes and folded there, so its
-// bytes are copied once. Bytes that an earlier read of a smaller size left in the raw buffer
-// come first. What cannot be delivered yet, an odd byte or a CR whose next unit is still to
-// come, waits in the raw buffer for the next call.
-ssize_t ReadUtf16(TextStream& s, unsigned char* buf, std::size_t size) {
-    for (;;) {
-        std::size_t got = std::min(s.Avail(), size);
-        std::memcpy(buf, s.raw.data() + s.rawPos, got);
-        s.rawPos += got;
-        bool failed = false;
-        if (s.Avail() == 0 && !s.atEnd && got < size) {
-            ssize_t const done = ReadSome(s.fd, buf + got, size - got);
-            failed = done < 0;
-            s.atEnd = done == 0;
-            got += failed ? 0 : static_cast<std::size_t>(done);
-        }
-        bool const last = s.atEnd && s.Avail() == 0; // nothing follows these bytes
-        std::size_t whole = got - got % 2;           // an odd last byte of the file is dropped
-        if (!last && whole >= 2 && buf[whole - 2] == '\r' && buf[whole - 1] == 0)
-            whole -= 2;
-        std::size_t const kept = last ? 0 : got - whole;
-        if (s.Avail() > 0) {
-            s.rawPos -= kept;
-        } else {
-            std::memcpy(s.raw.data(), buf + whole, kept);
-            s.rawPos = 0;
-            s.rawEnd = kept;
-        }
-        if (whole > 0 || last)
-            return static_cast<ssize_t>(FoldCrLf(buf, whole));
-        if (failed)
-            return -1;
-    }
+// The common case of a UTF-16LE file: the units at hand are copied with CR LF folded. A CR whose
+// next unit is not read yet stays behind for DecodeNext, which reads on.
+std::size_t ReadUtf16Bulk(TextStream& s, unsigned char* buf, std::size_t size) {
+    Copied const done = CopyUnits<true, false>(s.raw.data() + s.rawPos, s.Avail() / 2, buf,
+                                               size / 2, false, nullptr);
+    s.rawPos += 2 * done.in;
+    return 2 * done.out;
 }
 
 ssize_t ReadText(void* cookie, char* buffer, std::size_t size) {
     auto& s = *static_cast<TextStream*>(cookie);
     auto* buf = reinterpret_cast<unsigned char*>(buffer);
-    auto takeOut = [&](std::size_t& n) {
-        while (n < size && s.outPos < s.outLen)
-            buf[n++] = s.out[s.outPos++];
-    };
     std::size_t n = 0;
-    takeOut(n); // the rest of a character that an earlier, smaller read began
-    if (s.encoding == Encoding::Utf16Le && size - n >= 4) { // room for a CR and its next unit
-        ssize_t const done = ReadUtf16(s, buf + n, size - n);
-        if (done < 0 && n == 0)
-            return -1;
-        n += static_cast<std::size_t>(std::max<ssize_t>(done, 0));
-    } else {
-        while (n < size && DecodeNext(s))
-            takeOut(n);
-        if (n == 0 && !s.atEnd && s.Avail() == 0)
-            return -1; // a read error, not the end
+    while (n < size) {
+        if (s.outPos < s.outLen) {
+            buf[n++] = s.out[s.outPos++];
+            continue;
+        }
+        if (s.encoding == Encoding::Utf16Le)
+            n += ReadUtf16Bulk(s, buf + n, size - n);
+        if (n < size && !DecodeNext(s))
+            break;
     }
+    if (n == 0 && !s.atEnd && s.Avail() == 0 && s.outPos == s.outLen)
+        return -1; // a read error, not the end
     s.position += static_cast<long long>(n);
     return static_cast<ssize_t>(n);
 }
+
+// --- Lines for the 16-bit line functions ------------------------------------------------------
+
+#if defined(__GLIBC__)
+// Units from stdio's read buffer, where getc_unlocked takes its bytes.
+void TakeBufferedUnits(std::FILE* stream, char16_t* buffer, long max, LineRead& line) {
+    auto const* p = reinterpret_cast<unsigned char const*>(stream->_IO_read_ptr);
+    std::size_t const count =
+        p ? static_cast<std::size_t>(stream->_IO_read_end - stream->_IO_read_ptr) / 2 : 0;
+    Copied const done =
+        CopyUnits<false, true>(p, count, reinterpret_cast<unsigned char*>(buffer + line.taken),
+                               static_cast<std::size_t>(max - line.taken), true, &line);
+    stream->_IO_read_ptr += 2 * done.in;
+    line.taken += static_cast<long>(done.out);
+}
+
+// Whether stdio holds nothing of the stream that is still to be read: no bytes in its buffer, no
+// pushed-back ones, no end or error flagged.
+bool StdioHoldsNothing(std::FILE* stream) {
+    return stream->_IO_read_ptr == stream->_IO_read_end && !stream->_IO_save_base &&
+           (stream->_flags & (_IO_EOF_SEEN | _IO_ERR_SEEN)) == 0;
+}
+
+// Units of a UTF-16LE text stream straight from the layer, folded as ReadText folds them, with
+// no copy into stdio's buffer in between. Stops at the end of the file and on a read error,
+// which stdio is then to meet and flag.
+void TakeLayerUnits(TextStream& s, char16_t* buffer, long max, LineRead& line) {
+    while (line.taken < max && !line.lineFeed) {
+        if (s.Avail() < 4 && !s.atEnd && !Fill(s))
+            return;
+        if (s.Avail() < 2)
+            return;
+        Copied const done =
+            CopyUnits<true, true>(s.raw.data() + s.rawPos, s.Avail() / 2,
+                                  reinterpret_cast<unsigned char*>(buffer + line.taken),
+                                  static_cast<std::size_t>(max - line.taken), s.atEnd, &line);
+        s.rawPos += 2 * done.in;
+        s.position += 2 * static_cast<long long>(done.out);
+        line.taken += static_cast<long>(done.out);
+    }
+}
+#endif
 
 bool WriteAll(int fd, unsigned char const* data, std::size_t size) {
     while (size > 0) {
@@ -466,8 +534,7 @@ int SeekText(void* cookie, off64_t* offset, int whence) {
 
 int CloseText(void* cookie) {
     auto* s = static_cast<TextStream*>(cookie);
-    if (s->encoding == Encoding::Ansi)
-        UnregisterAnsi(s->file);
+    Unregister(s);
     if (s->pendingHigh) {
         s->scratch.clear();
         AppendUtf8(s->scratch, 0xFFFD);
@@ -547,17 +614,12 @@ int OpenText(std::FILE** stream, std::string const& native, Mode const& mode) {
         s->raw.resize(mode.access == 'r' ? kRawSize : 0);
         s->file = ::fopencookie(s.get(), mode.access == 'r' ? "r" : "w", io);
         error = s->file ? 0 : ENOMEM;
-        if (s->file && mode.access == 'r') {
-            s->readBuffer.resize(kReadBufferSize);
-            std::setvbuf(s->file, s->readBuffer.data(), _IOFBF, kReadBufferSize);
-        }
     }
     if (!s->file) {
         ::close(fd);
         return error;
     }
-    if (s->encoding == Encoding::Ansi)
-        RegisterAnsi(s->file);
+    Register(s.get());
     *stream = s.release()->file;
     return 0;
 }
@@ -605,19 +667,23 @@ std::FILE* _wfsopen(char16_t const* path, char16_t const* mode, int shareFlag) {
 }
 
 bool IsAnsiTextStream(std::FILE* stream) {
-    struct Answer {
-        std::FILE* stream = nullptr;
-        std::uint64_t generation = 0;
-        bool ansi = false;
-    };
-    thread_local Answer last;
-    std::uint64_t const generation = registryGeneration.load(std::memory_order_acquire);
-    if (last.stream == stream && last.generation == generation)
-        return last.ansi;
-    std::shared_lock lock(registryMutex);
-    last = {stream, registryGeneration.load(std::memory_order_relaxed),
-            ansiStreams.count(stream) != 0};
-    return last.ansi;
+    TextStream const* text = FindTextStream(stream);
+    return text && text->encoding == Encoding::Ansi;
+}
+
+bool TakeLineUnits(std::FILE* stream, char16_t* buffer, long max, LineRead& line) {
+    TextStream* const text = FindTextStream(stream);
+    if (text && text->encoding == Encoding::Ansi)
+        return false;
+#if defined(__GLIBC__)
+    TakeBufferedUnits(stream, buffer, max, line);
+    if (text && text->encoding == Encoding::Utf16Le && !text->raw.empty() &&
+        text->outPos == text->outLen && StdioHoldsNothing(stream))
+        TakeLayerUnits(*text, buffer, max, line);
+#else
+    (void)buffer, (void)max, (void)line;
+#endif
+    return true;
 }
 
 } // namespace qv::platform

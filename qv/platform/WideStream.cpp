@@ -1,14 +1,7 @@
-#include <algorithm>
-#include <bit>
-#include <cstring>
 #include <qv/platform/FileStream.h>
 #include <qv/platform/WideStream.h>
 #include <string>
 #include <utility>
-
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
 
 namespace qv::platform {
 
@@ -41,77 +34,6 @@ int UnitUnlocked(std::FILE* stream) {
     return hi == EOF ? kWEOF : lo | (hi << 8);
 }
 
-// A line as read so far: its units, whether a line feed ended them, and the index of the first
-// zero unit (-1 while there is none).
-struct LineRead {
-    long taken = 0;
-    bool lineFeed = false;
-    long zero = -1;
-};
-
-// Notes a unit of the line at index at; true for the line feed that ends it.
-bool EndsLine(LineRead& line, long at, char16_t unit) {
-    if (unit == 0 && line.zero < 0)
-        line.zero = at;
-    line.lineFeed = unit == u'\n';
-    return line.lineFeed;
-}
-
-// Copies units from p (bytes, little-endian) behind the line's units in buffer, at most max of
-// them, up to and including a line feed. Copying and looking for the line feed and a zero unit
-// is one pass.
-void CopyLineUnits(unsigned char const* p, long max, char16_t* buffer, LineRead& line) {
-    char16_t* const out = buffer + line.taken;
-    auto unitAt = [p](long at) { return static_cast<char16_t>(p[2 * at] | p[2 * at + 1] << 8); };
-    long i = 0;
-#if defined(__SSE2__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
-    // One test finds both: a unit with no bits outside those of a line feed (0x000A) is a
-    // line feed or zero, or one of the control characters 2 and 8, which EndsLine passes over.
-    __m128i const otherBits = _mm_set1_epi16(static_cast<short>(~u'\n'));
-    __m128i const zero = _mm_setzero_si128();
-    auto copy8 = [&](long at) { // the units' hits, two bits each
-        __m128i const v = _mm_loadu_si128(reinterpret_cast<__m128i const*>(p + 2 * at));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at), v);
-        return static_cast<unsigned>(
-            _mm_movemask_epi8(_mm_cmpeq_epi16(_mm_and_si128(v, otherBits), zero)));
-    };
-    for (; i + 16 <= max; i += 16) {
-        for (unsigned hits = copy8(i) | copy8(i + 8) << 16; hits;
-             hits &= hits - 1, hits &= hits - 1) {
-            long const at = i + std::countr_zero(hits) / 2;
-            if (EndsLine(line, line.taken + at, unitAt(at))) {
-                line.taken += at + 1;
-                return;
-            }
-        }
-    }
-#endif
-    for (; i < max; ++i) {
-        out[i] = unitAt(i);
-        if (EndsLine(line, line.taken + i, out[i])) {
-            line.taken += i + 1;
-            return;
-        }
-    }
-    line.taken += max;
-}
-
-// Units straight from stdio's read buffer, as getc_unlocked takes its bytes from there, up to
-// and including a line feed; the buffer is refilled through getc_unlocked.
-void TakeBufferedUnits(std::FILE* stream, long max, char16_t* buffer, LineRead& line) {
-#if defined(__GLIBC__)
-    auto const* p = reinterpret_cast<unsigned char const*>(stream->_IO_read_ptr);
-    if (!p || stream->_IO_read_end - stream->_IO_read_ptr < 2)
-        return; // nothing buffered yet
-    long const before = line.taken;
-    CopyLineUnits(p, std::min<long>((stream->_IO_read_end - stream->_IO_read_ptr) / 2, max), buffer,
-                  line);
-    stream->_IO_read_ptr += 2 * (line.taken - before);
-#else
-    (void)stream, (void)max, (void)buffer, (void)line;
-#endif
-}
-
 int NextUnlocked(std::FILE* stream, bool ansi) {
     return ansi ? AnsiUnit(getc_unlocked(stream)) : UnitUnlocked(stream);
 }
@@ -134,11 +56,11 @@ char16_t* fgetws16(char16_t* buffer, int count, std::FILE* stream) {
 }
 
 int GetLineUnlocked(char16_t* buffer, int count, std::FILE* stream) {
-    bool const ansi = IsAnsiTextStream(stream);
     LineRead line;
+    bool ansi = false;
     while (line.taken < count - 1) {
         if (!ansi) {
-            TakeBufferedUnits(stream, count - 1 - line.taken, buffer, line);
+            ansi = !TakeLineUnits(stream, buffer, count - 1, line);
             if (line.lineFeed || line.taken == count - 1)
                 break;
         }
@@ -146,7 +68,7 @@ int GetLineUnlocked(char16_t* buffer, int count, std::FILE* stream) {
         if (c == kWEOF)
             break;
         buffer[line.taken] = static_cast<char16_t>(c);
-        if (EndsLine(line, line.taken++, static_cast<char16_t>(c)))
+        if (line.Ends(line.taken++, static_cast<char16_t>(c)))
             break;
     }
     buffer[line.taken] = 0;
