@@ -311,11 +311,11 @@ Copied CopyUnits(unsigned char const* in, std::size_t count, unsigned char* out,
     __m128i const cr = _mm_set1_epi16('\r');
     __m128i const otherBits = _mm_set1_epi16(static_cast<short>(~u'\n'));
     __m128i const zero = _mm_setzero_si128();
-    auto hitsOf = [&](__m128i units) {
+    auto hitsOf = [&](__m128i units) { // all bits set in a unit that is a hit
         __m128i hits = Fold ? _mm_cmpeq_epi16(units, cr) : zero;
         if (Line)
             hits = _mm_or_si128(hits, _mm_cmpeq_epi16(_mm_and_si128(units, otherBits), zero));
-        return static_cast<unsigned>(_mm_movemask_epi8(hits));
+        return hits;
     };
 #endif
     std::size_t i = 0;
@@ -327,8 +327,10 @@ Copied CopyUnits(unsigned char const* in, std::size_t count, unsigned char* out,
             __m128i const b = _mm_loadu_si128(reinterpret_cast<__m128i const*>(in + 2 * i + 16));
             _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 2 * o), a);
             _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 2 * o + 16), b);
-            unsigned const hits = hitsOf(a) | hitsOf(b) << 16;
-            std::size_t const plain = hits ? std::countr_zero(hits) / 2 : 16;
+            // One bit a unit: the sixteen units' hits packed into bytes.
+            auto const hits =
+                static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(hitsOf(a), hitsOf(b))));
+            std::size_t const plain = hits ? std::countr_zero(hits) : 16;
             i += plain;
             o += plain;
             if (hits)
