@@ -295,7 +295,7 @@ struct Copied {
 };
 
 // Copies UTF-16LE units from in (count of them) to out (room for max), both little-endian
-// bytes, in one pass that looks at sixteen units at a time where SSE2 is there.
+// bytes, in one pass that looks at thirty-two units at a time where SSE2 is there.
 // - Fold: CR LF becomes LF, as reading a text stream shows it. A CR that is the last unit of in
 //   stays there for the caller to bring its next unit, unless last says that none follows.
 // - Line: the copy ends behind a line feed; line notes it and the first zero unit.
@@ -322,20 +322,35 @@ Copied CopyUnits(unsigned char const* in, std::size_t count, unsigned char* out,
     std::size_t o = 0;
     for (;;) {
 #if defined(__SSE2__)
-        while (i + 16 <= count && o + 16 <= max) {
-            __m128i const a = _mm_loadu_si128(reinterpret_cast<__m128i const*>(in + 2 * i));
-            __m128i const b = _mm_loadu_si128(reinterpret_cast<__m128i const*>(in + 2 * i + 16));
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 2 * o), a);
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 2 * o + 16), b);
-            // One bit a unit: the sixteen units' hits packed into bytes.
-            auto const hits =
-                static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(hitsOf(a), hitsOf(b))));
-            std::size_t const plain = hits ? std::countr_zero(hits) : 16;
-            i += plain;
-            o += plain;
-            if (hits)
-                break; // the unit at i is for the check below
+        // Sixteen units a copy, with a mask bit a unit from the tests of the two halves packed
+        // into bytes.
+        std::size_t const room = std::min(count - i, max - o);
+        unsigned char const* const from = in + 2 * i;
+        unsigned char* const to = out + 2 * o;
+        auto copy16 = [&](std::size_t at) {
+            __m128i const a = _mm_loadu_si128(reinterpret_cast<__m128i const*>(from + 2 * at));
+            __m128i const b = _mm_loadu_si128(reinterpret_cast<__m128i const*>(from + 2 * at + 16));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(to + 2 * at), a);
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(to + 2 * at + 16), b);
+            return static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(hitsOf(a), hitsOf(b))));
+        };
+        // Thirty-two units a round, and at the end the sixteen that end at room, of which those
+        // before plain are copied again, unchanged, and not looked at. Less room is left to the
+        // unit by unit copy below.
+        std::size_t plain = 0;
+        while (plain < room && room >= 16) {
+            bool const pair = plain + 32 <= room;
+            std::size_t const at = pair ? plain : std::min(plain, room - 16);
+            unsigned const hits =
+                (pair ? copy16(at) | copy16(at + 16) << 16 : copy16(at)) >> (plain - at);
+            if (hits) {
+                plain += std::countr_zero(hits);
+                break;
+            }
+            plain = at + (pair ? 32 : 16);
         }
+        i += plain; // the unit at i, if any, is a hit or there is less room than sixteen units
+        o += plain;
 #endif
         if (i == count || o == max)
             return {i, o};
