@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <atomic>
+#include <bit>
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
@@ -13,9 +14,13 @@
 #include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <unordered_set>
+#include <unordered_map>
 #include <utility>
 #include <vector>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace qv::platform {
 
@@ -99,26 +104,6 @@ std::optional<Mode> ParseMode(std::u16string_view s) {
     return mode;
 }
 
-// --- Registry of ANSI text streams, which the 16-bit character functions must know ---------
-
-std::shared_mutex registryMutex;
-std::unordered_set<std::FILE*> ansiStreams;
-// Counts changes of the registry, so that a thread may keep its last answer until one happens:
-// the wide functions ask once per call, and a line-by-line reader calls them very often.
-std::atomic<std::uint64_t> registryGeneration{1};
-
-void RegisterAnsi(std::FILE* f) {
-    std::unique_lock lock(registryMutex);
-    ansiStreams.insert(f);
-    registryGeneration.fetch_add(1, std::memory_order_release);
-}
-
-void UnregisterAnsi(std::FILE* f) {
-    std::unique_lock lock(registryMutex);
-    ansiStreams.erase(f);
-    registryGeneration.fetch_add(1, std::memory_order_release);
-}
-
 // --- The translating layer under stdio ------------------------------------------------------
 
 constexpr std::size_t kRawSize = 64 * 1024;
@@ -149,6 +134,47 @@ struct TextStream {
     std::size_t Avail() const { return rawEnd - rawPos; }
     unsigned Unit16(std::size_t at) const { return raw[at] | (raw[at + 1] << 8); }
 };
+
+// --- Registry of text streams, which the 16-bit character functions ask about --------------
+
+std::shared_mutex registryMutex;
+std::unordered_map<std::FILE*, TextStream*> textStreams;
+// Counts changes of the registry, so that a thread may keep its last answer until one happens:
+// the wide functions ask once per call, and a line-by-line reader calls them very often.
+std::atomic<std::uint64_t> registryGeneration{1};
+
+void Register(TextStream* s) {
+    std::unique_lock lock(registryMutex);
+    textStreams.emplace(s->file, s);
+    registryGeneration.fetch_add(1, std::memory_order_release);
+}
+
+void Unregister(TextStream const* s) {
+    std::unique_lock lock(registryMutex);
+    textStreams.erase(s->file);
+    registryGeneration.fetch_add(1, std::memory_order_release);
+}
+
+// The layer under a stream opened here in a text mode, or null. It lives as long as the stream
+// is open, which the caller's use of the stream guarantees.
+TextStream* FindTextStream(std::FILE* stream) {
+    struct Answer {
+        std::FILE* stream = nullptr;
+        std::uint64_t generation = 0;
+        TextStream* text = nullptr;
+    };
+    thread_local Answer last;
+    std::uint64_t const generation = registryGeneration.load(std::memory_order_acquire);
+    if (last.stream == stream && last.generation == generation)
+        return last.text;
+    std::shared_lock lock(registryMutex);
+    auto const found = textStreams.find(stream);
+    last = {stream, registryGeneration.load(std::memory_order_relaxed),
+            found == textStreams.end() ? nullptr : found->second};
+    return last.text;
+}
+
+// --- Reading ---------------------------------------------------------------------------------
 
 // Reads more bytes behind those not yet used. False on a read error.
 bool Fill(TextStream& s) {
@@ -262,33 +288,96 @@ bool DecodeNext(TextStream& s) {
     return false;
 }
 
-// The common case of a UTF-16LE file: the units up to the next CR are copied as they are, so
-// the translation costs little more than a copy. One unit stays behind as the lookahead of a CR.
-std::size_t ReadUtf16Bulk(TextStream& s, unsigned char* buf, std::size_t size) {
-    std::size_t n = 0;
-    while (n + 2 <= size && s.Avail() >= 4) {
-        unsigned char const* const p = s.raw.data() + s.rawPos;
-        std::size_t const units = std::min((s.Avail() - 2) / 2, (size - n) / 2);
-        std::size_t plain = units;
-        for (auto const* cr = p;
-             (cr = static_cast<unsigned char const*>(std::memchr(cr, '\r', p + 2 * units - cr)));
-             ++cr) {
-            if ((cr - p) % 2 == 0 && cr[1] == 0) {
-                plain = static_cast<std::size_t>(cr - p) / 2;
+// What CopyUnits took and put out, in units.
+struct Copied {
+    std::size_t in = 0;
+    std::size_t out = 0;
+};
+
+// Copies UTF-16LE units from in (count of them) to out (room for max), both little-endian
+// bytes, in one pass that looks at thirty-two units at a time where SSE2 is there.
+// - Fold: CR LF becomes LF, as reading a text stream shows it. A CR that is the last unit of in
+//   stays there for the caller to bring its next unit, unless last says that none follows.
+// - Line: the copy ends behind a line feed; line notes it and the first zero unit.
+template <bool Fold, bool Line>
+Copied CopyUnits(unsigned char const* in, std::size_t count, unsigned char* out, std::size_t max,
+                 bool last, LineRead* line) {
+    auto unitAt = [in](std::size_t at) {
+        return static_cast<char16_t>(in[2 * at] | in[2 * at + 1] << 8);
+    };
+#if defined(__SSE2__)
+    // A unit with no bits outside those of a line feed (0x000A) is a line feed or zero, or one
+    // of the control characters 2 and 8, which the unit's own check below passes over.
+    __m128i const cr = _mm_set1_epi16('\r');
+    __m128i const otherBits = _mm_set1_epi16(static_cast<short>(~u'\n'));
+    __m128i const zero = _mm_setzero_si128();
+    auto hitsOf = [&](__m128i units) { // all bits set in a unit that is a hit
+        __m128i hits = Fold ? _mm_cmpeq_epi16(units, cr) : zero;
+        if (Line)
+            hits = _mm_or_si128(hits, _mm_cmpeq_epi16(_mm_and_si128(units, otherBits), zero));
+        return hits;
+    };
+#endif
+    std::size_t i = 0;
+    std::size_t o = 0;
+    for (;;) {
+#if defined(__SSE2__)
+        // Sixteen units a copy, with a mask bit a unit from the tests of the two halves packed
+        // into bytes.
+        std::size_t const room = std::min(count - i, max - o);
+        unsigned char const* const from = in + 2 * i;
+        unsigned char* const to = out + 2 * o;
+        auto copy16 = [&](std::size_t at) {
+            __m128i const a = _mm_loadu_si128(reinterpret_cast<__m128i const*>(from + 2 * at));
+            __m128i const b = _mm_loadu_si128(reinterpret_cast<__m128i const*>(from + 2 * at + 16));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(to + 2 * at), a);
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(to + 2 * at + 16), b);
+            return static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(hitsOf(a), hitsOf(b))));
+        };
+        // Thirty-two units a round, and at the end the sixteen that end at room, of which those
+        // before plain are copied again, unchanged, and not looked at. Less room is left to the
+        // unit by unit copy below.
+        std::size_t plain = 0;
+        while (plain < room && room >= 16) {
+            bool const pair = plain + 32 <= room;
+            std::size_t const at = pair ? plain : std::min(plain, room - 16);
+            unsigned const hits =
+                (pair ? copy16(at) | copy16(at + 16) << 16 : copy16(at)) >> (plain - at);
+            if (hits) {
+                plain += std::countr_zero(hits);
                 break;
             }
+            plain = at + (pair ? 32 : 16);
         }
-        std::memcpy(buf + n, p, 2 * plain);
-        n += 2 * plain;
-        s.rawPos += 2 * plain;
-        if (plain < units) { // a CR, with its next unit in the buffer
-            bool const crlf = s.Unit16(s.rawPos + 2) == '\n';
-            buf[n++] = crlf ? '\n' : '\r';
-            buf[n++] = 0;
-            s.rawPos += crlf ? 4 : 2;
+        i += plain; // the unit at i, if any, is a hit or there is less room than sixteen units
+        o += plain;
+#endif
+        if (i == count || o == max)
+            return {i, o};
+        char16_t unit = unitAt(i++);
+        if (Fold && unit == u'\r') {
+            if (i == count && !last) // its next unit is still to come
+                return {i - 1, o};
+            if (i < count && unitAt(i) == u'\n') {
+                unit = u'\n';
+                ++i;
+            }
         }
+        out[2 * o] = static_cast<unsigned char>(unit);
+        out[2 * o + 1] = static_cast<unsigned char>(unit >> 8);
+        ++o;
+        if (Line && line->Ends(line->taken + static_cast<long>(o) - 1, unit))
+            return {i, o};
     }
-    return n;
+}
+
+// The common case of a UTF-16LE file: the units at hand are copied with CR LF folded. A CR whose
+// next unit is not read yet stays behind for DecodeNext, which reads on.
+std::size_t ReadUtf16Bulk(TextStream& s, unsigned char* buf, std::size_t size) {
+    Copied const done = CopyUnits<true, false>(s.raw.data() + s.rawPos, s.Avail() / 2, buf,
+                                               size / 2, false, nullptr);
+    s.rawPos += 2 * done.in;
+    return 2 * done.out;
 }
 
 ssize_t ReadText(void* cookie, char* buffer, std::size_t size) {
@@ -310,6 +399,48 @@ ssize_t ReadText(void* cookie, char* buffer, std::size_t size) {
     s.position += static_cast<long long>(n);
     return static_cast<ssize_t>(n);
 }
+
+// --- Lines for the 16-bit line functions ------------------------------------------------------
+
+#if defined(__GLIBC__)
+// Units from stdio's read buffer, where getc_unlocked takes its bytes.
+void TakeBufferedUnits(std::FILE* stream, char16_t* buffer, long max, LineRead& line) {
+    auto const* p = reinterpret_cast<unsigned char const*>(stream->_IO_read_ptr);
+    std::size_t const count =
+        p ? static_cast<std::size_t>(stream->_IO_read_end - stream->_IO_read_ptr) / 2 : 0;
+    Copied const done =
+        CopyUnits<false, true>(p, count, reinterpret_cast<unsigned char*>(buffer + line.taken),
+                               static_cast<std::size_t>(max - line.taken), true, &line);
+    stream->_IO_read_ptr += 2 * done.in;
+    line.taken += static_cast<long>(done.out);
+}
+
+// Whether stdio holds nothing of the stream that is still to be read: no bytes in its buffer, no
+// pushed-back ones, no end or error flagged.
+bool StdioHoldsNothing(std::FILE* stream) {
+    return stream->_IO_read_ptr == stream->_IO_read_end && !stream->_IO_save_base &&
+           (stream->_flags & (_IO_EOF_SEEN | _IO_ERR_SEEN)) == 0;
+}
+
+// Units of a UTF-16LE text stream straight from the layer, folded as ReadText folds them, with
+// no copy into stdio's buffer in between. Stops at the end of the file and on a read error,
+// which stdio is then to meet and flag.
+void TakeLayerUnits(TextStream& s, char16_t* buffer, long max, LineRead& line) {
+    while (line.taken < max && !line.lineFeed) {
+        if (s.Avail() < 4 && !s.atEnd && !Fill(s))
+            return;
+        if (s.Avail() < 2)
+            return;
+        Copied const done =
+            CopyUnits<true, true>(s.raw.data() + s.rawPos, s.Avail() / 2,
+                                  reinterpret_cast<unsigned char*>(buffer + line.taken),
+                                  static_cast<std::size_t>(max - line.taken), s.atEnd, &line);
+        s.rawPos += 2 * done.in;
+        s.position += 2 * static_cast<long long>(done.out);
+        line.taken += static_cast<long>(done.out);
+    }
+}
+#endif
 
 bool WriteAll(int fd, unsigned char const* data, std::size_t size) {
     while (size > 0) {
@@ -420,8 +551,7 @@ int SeekText(void* cookie, off64_t* offset, int whence) {
 
 int CloseText(void* cookie) {
     auto* s = static_cast<TextStream*>(cookie);
-    if (s->encoding == Encoding::Ansi)
-        UnregisterAnsi(s->file);
+    Unregister(s);
     if (s->pendingHigh) {
         s->scratch.clear();
         AppendUtf8(s->scratch, 0xFFFD);
@@ -506,8 +636,7 @@ int OpenText(std::FILE** stream, std::string const& native, Mode const& mode) {
         ::close(fd);
         return error;
     }
-    if (s->encoding == Encoding::Ansi)
-        RegisterAnsi(s->file);
+    Register(s.get());
     *stream = s.release()->file;
     return 0;
 }
@@ -555,19 +684,23 @@ std::FILE* _wfsopen(char16_t const* path, char16_t const* mode, int shareFlag) {
 }
 
 bool IsAnsiTextStream(std::FILE* stream) {
-    struct Answer {
-        std::FILE* stream = nullptr;
-        std::uint64_t generation = 0;
-        bool ansi = false;
-    };
-    thread_local Answer last;
-    std::uint64_t const generation = registryGeneration.load(std::memory_order_acquire);
-    if (last.stream == stream && last.generation == generation)
-        return last.ansi;
-    std::shared_lock lock(registryMutex);
-    last = {stream, registryGeneration.load(std::memory_order_relaxed),
-            ansiStreams.count(stream) != 0};
-    return last.ansi;
+    TextStream const* text = FindTextStream(stream);
+    return text && text->encoding == Encoding::Ansi;
+}
+
+bool TakeLineUnits(std::FILE* stream, char16_t* buffer, long max, LineRead& line) {
+    TextStream* const text = FindTextStream(stream);
+    if (text && text->encoding == Encoding::Ansi)
+        return false;
+#if defined(__GLIBC__)
+    TakeBufferedUnits(stream, buffer, max, line);
+    if (text && text->encoding == Encoding::Utf16Le && !text->raw.empty() &&
+        text->outPos == text->outLen && StdioHoldsNothing(stream))
+        TakeLayerUnits(*text, buffer, max, line);
+#else
+    (void)buffer, (void)max, (void)line;
+#endif
+    return true;
 }
 
 } // namespace qv::platform

@@ -27,4 +27,28 @@ std::FILE* _wfsopen(char16_t const* path, char16_t const* mode, int shareFlag);
 // bytes of the ANSI code page. Every other stream carries 16-bit units as two bytes.
 bool IsAnsiTextStream(std::FILE* stream);
 
+// A line as the 16-bit line functions (WideStream.h) read it so far: its units in the caller's
+// buffer, whether a line feed ended them, and the index of the first zero unit (-1 if none).
+struct LineRead {
+    long taken = 0;
+    bool lineFeed = false;
+    long zero = -1;
+
+    // Notes the unit at index at; true for a line feed, which ends the line.
+    bool Ends(long at, char16_t unit) {
+        if (unit == 0 && zero < 0)
+            zero = at;
+        lineFeed = unit == u'\n';
+        return lineFeed;
+    }
+};
+
+// Continues line in buffer, up to max units in all and through a line feed, with the units of a
+// stream that carries two bytes per unit, for a caller that holds the stream's lock. They come
+// from stdio's read buffer, as getc_unlocked would take them, and once that is empty, for a
+// UTF-16LE text stream, straight from the layer under stdio, which spares a copy. Where neither
+// has units at hand, the caller reads on through stdio, which refills its buffer and flags the
+// end or an error. False, with nothing taken, for an ANSI text stream, whose units are bytes.
+bool TakeLineUnits(std::FILE* stream, char16_t* buffer, long max, LineRead& line);
+
 } // namespace qv::platform

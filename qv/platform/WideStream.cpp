@@ -1,5 +1,3 @@
-#include <algorithm>
-#include <cstring>
 #include <qv/platform/FileStream.h>
 #include <qv/platform/WideStream.h>
 #include <string>
@@ -36,40 +34,6 @@ int UnitUnlocked(std::FILE* stream) {
     return hi == EOF ? kWEOF : lo | (hi << 8);
 }
 
-// The units in [p, p + 2 * units) before and including the first line feed, found with memchr.
-long UnitsThroughLineFeed(unsigned char const* p, long units, bool& lineFeed) {
-    unsigned char const* const end = p + 2 * units;
-    for (auto const* q = p; (q = static_cast<unsigned char const*>(std::memchr(q, '\n', end - q)));
-         ++q) {
-        if ((q - p) % 2 == 0 && q[1] == 0) {
-            lineFeed = true;
-            return (q - p) / 2 + 1;
-        }
-    }
-    lineFeed = false;
-    return units;
-}
-
-// Units straight from stdio's read buffer, as getc_unlocked takes its bytes from there, up to
-// and including a line feed; the buffer is refilled through getc_unlocked. Returns the units
-// taken and whether a line feed ended them.
-std::pair<int, bool> TakeBufferedUnits(std::FILE* stream, char16_t* out, int max) {
-#if defined(__GLIBC__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
-    auto const* p = reinterpret_cast<unsigned char const*>(stream->_IO_read_ptr);
-    bool lineFeed = false;
-    if (!p || stream->_IO_read_end - stream->_IO_read_ptr < 2)
-        return {0, false}; // nothing buffered yet
-    long const units = UnitsThroughLineFeed(
-        p, std::min<long>((stream->_IO_read_end - stream->_IO_read_ptr) / 2, max), lineFeed);
-    std::memcpy(out, p, static_cast<std::size_t>(2 * units));
-    stream->_IO_read_ptr += 2 * units;
-    return {static_cast<int>(units), lineFeed};
-#else
-    (void)stream, (void)out, (void)max;
-    return {0, false};
-#endif
-}
-
 int NextUnlocked(std::FILE* stream, bool ansi) {
     return ansi ? AnsiUnit(getc_unlocked(stream)) : UnitUnlocked(stream);
 }
@@ -87,25 +51,28 @@ int fgetwc16(std::FILE* stream) {
 char16_t* fgetws16(char16_t* buffer, int count, std::FILE* stream) {
     if (!buffer || count <= 0 || !stream)
         return nullptr;
-    bool const ansi = IsAnsiTextStream(stream);
     StreamLock lock(stream);
-    int n = 0;
-    while (n < count - 1) {
+    return GetLineUnlocked(buffer, count, stream) < 0 ? nullptr : buffer;
+}
+
+int GetLineUnlocked(char16_t* buffer, int count, std::FILE* stream) {
+    LineRead line;
+    bool ansi = false;
+    while (line.taken < count - 1) {
         if (!ansi) {
-            auto const [taken, lineFeed] = TakeBufferedUnits(stream, buffer + n, count - 1 - n);
-            n += taken;
-            if (lineFeed || n == count - 1)
+            ansi = !TakeLineUnits(stream, buffer, count - 1, line);
+            if (line.lineFeed || line.taken == count - 1)
                 break;
         }
         int const c = NextUnlocked(stream, ansi);
         if (c == kWEOF)
             break;
-        buffer[n++] = static_cast<char16_t>(c);
-        if (c == u'\n')
+        buffer[line.taken] = static_cast<char16_t>(c);
+        if (line.Ends(line.taken++, static_cast<char16_t>(c)))
             break;
     }
-    buffer[n] = 0;
-    return n ? buffer : nullptr;
+    buffer[line.taken] = 0;
+    return line.taken == 0 ? -1 : static_cast<int>(line.zero >= 0 ? line.zero : line.taken);
 }
 
 void _lock_file(std::FILE* stream) {

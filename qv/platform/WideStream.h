@@ -23,6 +23,9 @@ int fgetwc16(std::FILE* stream);
 // Reads at most count - 1 units, up to and including a line feed, and terminates them.
 // Null when nothing could be read.
 char16_t* fgetws16(char16_t* buffer, int count, std::FILE* stream);
+// fgetws16 for a caller that holds the stream's lock (_lock_file). Returns the length of the
+// text read as lstrlenW would measure it, up to a zero unit, or -1 when nothing could be read.
+int GetLineUnlocked(char16_t* buffer, int count, std::FILE* stream);
 // Takes and gives up the stream's lock, which its owner may take again: a run of calls on the
 // stream then pays for the lock once, as each call's own locking becomes a nested one.
 void _lock_file(std::FILE* stream);

@@ -5,6 +5,7 @@
 #include <qv/platform/FileStream.h>
 #include <qv/platform/WideStream.h>
 #include <string>
+#include <vector>
 
 using namespace qv::platform;
 using namespace std::string_literals;
@@ -135,6 +136,92 @@ TEST(FileStream, LinesComeWholeAcrossBufferBoundaries) {
     std::rewind(f.get());
     EXPECT_EQ(fgetwc16(f.get()), u'\n');
     EXPECT_EQ(std::ftell(f.get()), 2);
+}
+
+TEST(FileStream, CrLfAndOddBytesFoldAtEveryEdgeOfStdiosBuffer) {
+    TempDir dir;
+    WriteBytes(dir / "a.txt", "\xFF\xFE"s + "a\0\r\0\n\0b\0\r\0\r\0\n\0c\0\r\0x"s);
+    for (std::size_t size = 1; size < 10; ++size) {
+        std::vector<char> buffer(size);
+        Stream const f = OpenStream(dir / "a.txt", u"r,ccs=UTF-16LE");
+        ASSERT_EQ(std::setvbuf(f.get(), buffer.data(), _IOFBF, size), 0);
+        std::u16string units;
+        for (int c; (c = fgetwc16(f.get())) != kWEOF;)
+            units.push_back(static_cast<char16_t>(c));
+        EXPECT_EQ(units, u"a\nb\r\nc\r") << size;
+    }
+    // Unbuffered, stdio reads a byte at a time and then a large fread into the caller's memory.
+    Stream const f = OpenStream(dir / "a.txt", u"r,ccs=UTF-16LE");
+    ASSERT_EQ(std::setvbuf(f.get(), nullptr, _IONBF, 0), 0);
+    EXPECT_EQ(fgetwc16(f.get()), u'a');
+    EXPECT_EQ(std::fgetc(f.get()), '\n');
+    std::string rest(64, '\0');
+    rest.resize(std::fread(rest.data(), 1, rest.size(), f.get()));
+    EXPECT_EQ(rest, "\0b\0\r\0\n\0c\0\r\0"s);
+}
+
+TEST(FileStream, OnlyALineFeedEndsALineRead) {
+    TempDir dir;
+    // Units that share bits or bytes with a line feed, and a zero unit, which ends the text.
+    std::u16string const line = u"\u0002\u0008\u0A0A\u000B" + std::u16string(20, u'x') + u"\0y\n"s;
+    WriteBytes(dir / "c.txt", Utf16File(line + u"z"));
+    Stream const f = OpenStream(dir / "c.txt", u"r,ccs=UTF-16LE");
+    char16_t buffer[64];
+    _lock_file(f.get());
+    EXPECT_EQ(GetLineUnlocked(buffer, 64, f.get()), 24);
+    _unlock_file(f.get());
+    EXPECT_EQ(std::u16string(buffer, line.size()), line);
+    EXPECT_EQ(fgetwc16(f.get()), u'z');
+}
+
+TEST(FileStream, CrLfSplitBetweenTheLayersReadsIsFolded) {
+    TempDir dir;
+    // Lines of three units behind none, one or two: one of the three has a CR last in any read
+    // of whole units, with its line feed in the next read.
+    for (std::u16string const prefix : {u"", u"x", u"xx"}) {
+        std::u16string text = prefix;
+        for (int i = 0; i < 30000; ++i)
+            text += u"x\r\n";
+        WriteBytes(dir / "e.txt", Utf16File(text));
+        std::u16string expected = prefix;
+        for (int i = 0; i < 30000; ++i)
+            expected += u"x\n";
+        Stream const f = OpenStream(dir / "e.txt", u"r,ccs=UTF-16LE");
+        std::u16string got;
+        char16_t line[8];
+        while (fgetws16(line, 8, f.get()))
+            got += line;
+        EXPECT_TRUE(got == expected) << prefix.size(); // no diff of such long texts
+        std::rewind(f.get());
+        got.assign(expected.size() + 1, u'?');
+        got.resize(std::fread(got.data(), 2, got.size(), f.get()));
+        EXPECT_TRUE(got == expected) << prefix.size();
+    }
+}
+
+TEST(FileStream, LineReadsAndStdioReadsTakeTurns) {
+    TempDir dir;
+    std::u16string text;
+    for (int i = 0; text.size() < 20000; ++i)
+        text +=
+            std::u16string(static_cast<std::size_t>(i % 50), static_cast<char16_t>(u'a' + i % 26)) +
+            u"\r\n";
+    WriteBytes(dir / "t.txt", Utf16File(text + u"end\r"));
+    std::u16string expected = text + u"end\r";
+    for (std::size_t at; (at = expected.find(u"\r\n")) != std::u16string::npos;)
+        expected.erase(at, 1);
+    Stream const f = OpenStream(dir / "t.txt", u"r,ccs=UTF-16LE");
+    std::u16string got;
+    char16_t line[32];
+    for (int i = 0; fgetws16(line, 32, f.get()); ++i) {
+        got += line;
+        EXPECT_EQ(std::ftell(f.get()), static_cast<long>(2 * got.size()));
+        if (i % 100 == 99) // stdio fills its buffer, which the next line reads take first
+            for (int c; got.size() % 1000 != 0 && (c = fgetwc16(f.get())) != kWEOF;)
+                got += static_cast<char16_t>(c);
+    }
+    EXPECT_TRUE(got == expected);
+    EXPECT_TRUE(std::feof(f.get()));
 }
 
 TEST(FileStream, BadArgumentsAndMissingFiles) {

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <climits>
 #include <cmath>
+#include <cstring>
 #include <memory>
 #include <new>
 #include <qv/core/strings/BString.h>
@@ -66,11 +67,12 @@ private:
     std::FILE* m_file;
 };
 
-char* GetLine(char* b, int n, std::FILE* s) {
-    return std::fgets(b, n, s);
+// A piece of a line, read as fgets reads it; the length of its text, or -1 if nothing was read.
+int GetLine(char* b, int n, std::FILE* s) {
+    return std::fgets(b, n, s) ? static_cast<int>(std::strlen(b)) : -1;
 }
-char16_t* GetLine(char16_t* b, int n, std::FILE* s) {
-    return qv::platform::fgetws16(b, n, s);
+int GetLine(char16_t* b, int n, std::FILE* s) {
+    return qv::platform::GetLineUnlocked(b, n, s);
 }
 
 // An ASCII format in the string's own width.
@@ -338,7 +340,7 @@ bool StringBase<S, Unit>::ReadLn(std::FILE* stream) {
     if (std::feof(stream))
         return false;
     // Emptied, but with a private block, as the line is built in it. The pieces are read
-    // straight into the block's free tail, so a line costs one scan of each piece and, once
+    // straight into the block's free tail, so a line costs one pass over each piece and, once
     // the block holds a piece, no allocation.
     constexpr size_type kPiece = 511;
     if (!m_block || m_block->count.load(std::memory_order_acquire) > 1)
@@ -346,11 +348,12 @@ bool StringBase<S, Unit>::ReadLn(std::FILE* stream) {
     size_type length = 0;
     for (;;) {
         Unit* piece = TailRoom(length, kPiece);
-        if (!GetLine(piece, kPiece + 1, stream)) {
+        int const got = GetLine(piece, kPiece + 1, stream);
+        if (got < 0) {
             piece[0] = 0; // fgets leaves the buffer undefined on an error
             break;
         }
-        size_type const n = Traits::Length(piece);
+        auto const n = static_cast<size_type>(got);
         length += n;
         if (n < kPiece || piece[n - 1] == Unit('\n'))
             break;

@@ -13,16 +13,6 @@ using namespace std::string_literals;
 
 namespace {
 
-// The bytes of UTF-16LE text with a byte order mark.
-std::string Utf16File(std::u16string const& text) {
-    std::string bytes = "\xFF\xFE";
-    for (char16_t u : text) {
-        bytes += static_cast<char>(u & 0xFF);
-        bytes += static_cast<char>(u >> 8);
-    }
-    return bytes;
-}
-
 // Every line ReadLn gives until it reports the end.
 template <class S>
 std::vector<S> ReadAllLines(std::FILE* stream) {
