@@ -10,6 +10,7 @@
 #include <qv/platform/FileSeek.h>
 #include <qv/platform/FileStream.h>
 #include <string>
+#include <typeinfo>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -358,8 +359,10 @@ struct BQuorvelArchive::State {
     std::vector<KeyEntry*> failed;
     NoteBook notes;
 
-    // Written bytes not yet handed to the stream, and the file position of the first.
+    // Written bytes not yet handed to the stream (the first outputUsed of the buffer), and the
+    // file position of the first. The buffer is sized once, when writing begins.
     std::vector<unsigned char> output;
+    std::size_t outputUsed = 0;
     long long outputStart = 0;
 
     // Bytes read ahead: the stream's position is always inputStart + inputEnd. Loading seeks
@@ -375,7 +378,38 @@ struct BQuorvelArchive::State {
     bool streamError = false;
 
     bool Good() const { return file && !streamError; }
-    void NoteStreamState() { streamError = file && std::ferror(file); }
+    void NoteStreamState() {
+        streamError = file && std::ferror(file);
+        if (streamError)
+            TakeBack();
+    }
+
+    // The buffers are lent to the archive's windows, through which plain values pass without
+    // a virtual call, while the stream is good and only by an archive of this very class: a
+    // derived class may override how bytes are read or written, so its bytes always take the
+    // virtual path. While lent, the window holds the cursor. Whatever moves the cursor or
+    // touches the stream takes it back first and lends it again when done.
+    void TakeBack() {
+        if (owner.m_readNext) {
+            inputPosition = static_cast<std::size_t>(owner.m_readNext - input.data());
+            owner.m_readNext = owner.m_readEnd = nullptr;
+        }
+        if (owner.m_writeNext) {
+            outputUsed = static_cast<std::size_t>(owner.m_writeNext - output.data());
+            owner.m_writeNext = owner.m_writeEnd = nullptr;
+        }
+    }
+    void Lend() {
+        if (!Good() || typeid(owner) != typeid(BQuorvelArchive))
+            return;
+        if (mode == WRITE) {
+            owner.m_writeNext = output.data() + outputUsed;
+            owner.m_writeEnd = output.data() + output.size();
+        } else {
+            owner.m_readNext = input.data() + inputPosition;
+            owner.m_readEnd = input.data() + inputEnd;
+        }
+    }
 
     void OpenForWriting(BString const& name, int version) {
         file = OpenFile(path, true);
@@ -414,6 +448,7 @@ struct BQuorvelArchive::State {
 
     // One pass over the prefixes, seeking over the data, to learn where each key lies.
     bool ScanRecords() {
+        TakeBack();
         if (!Seek(file, 0, SEEK_END))
             return false;
         long long end = Tell(file);
@@ -489,26 +524,35 @@ struct BQuorvelArchive::State {
 
     void Close() {
         DrainOutput();
+        TakeBack();
         std::fclose(file);
         file = nullptr;
     }
 
-    long long ReadPosition() const { return inputStart + static_cast<long long>(inputPosition); }
+    long long ReadPosition() const {
+        std::size_t at = owner.m_readNext
+                             ? static_cast<std::size_t>(owner.m_readNext - input.data())
+                             : inputPosition;
+        return inputStart + static_cast<long long>(at);
+    }
 
     bool SeekRead(long long position) {
+        TakeBack();
         if (position >= inputStart && position <= inputStart + static_cast<long long>(inputEnd)) {
             inputPosition = static_cast<std::size_t>(position - inputStart);
-            return true;
+        } else {
+            if (!Seek(file, position))
+                return false;
+            inputStart = position;
+            inputPosition = inputEnd = 0;
         }
-        if (!Seek(file, position))
-            return false;
-        inputStart = position;
-        inputPosition = inputEnd = 0;
+        Lend();
         return true;
     }
 
     // As fread would: the bytes that came, fewer at the end of the file or on an error.
     unsigned long long Read(void* buffer, unsigned long long size) {
+        TakeBack();
         auto* out = static_cast<unsigned char*>(buffer);
         unsigned long long done = 0;
         while (done < size) {
@@ -520,6 +564,7 @@ struct BQuorvelArchive::State {
             inputPosition += take;
             done += take;
         }
+        Lend();
         return done;
     }
 
@@ -532,48 +577,61 @@ struct BQuorvelArchive::State {
         return inputEnd > 0;
     }
 
-    long long OutputPosition() const { return outputStart + static_cast<long long>(output.size()); }
+    long long OutputPosition() const {
+        std::size_t used = owner.m_writeNext
+                               ? static_cast<std::size_t>(owner.m_writeNext - output.data())
+                               : outputUsed;
+        return outputStart + static_cast<long long>(used);
+    }
 
+    // Leaves the window closed: the caller lends it again if it goes on writing.
     void DrainOutput() {
-        if (output.empty() || !file)
+        TakeBack();
+        if (outputUsed == 0 || !file)
             return;
-        outputStart += static_cast<long long>(std::fwrite(output.data(), 1, output.size(), file));
+        outputStart += static_cast<long long>(std::fwrite(output.data(), 1, outputUsed, file));
+        outputUsed = 0;
         NoteStreamState();
-        output.clear();
     }
 
     unsigned long long Write(void const* buffer, unsigned long long size) {
-        if (size >= kOutputChunk) {
+        TakeBack();
+        unsigned long long written = size;
+        if (size > output.size() - outputUsed) {
             DrainOutput();
-            unsigned long long written = std::fwrite(buffer, 1, size, file);
+            output.resize(kOutputChunk);
+        }
+        if (size >= kOutputChunk) {
+            written = std::fwrite(buffer, 1, size, file);
             NoteStreamState();
             outputStart += static_cast<long long>(written);
-            return written;
+        } else {
+            std::memcpy(output.data() + outputUsed, buffer, size);
+            outputUsed += size;
         }
-        auto const* bytes = static_cast<unsigned char const*>(buffer);
-        output.insert(output.end(), bytes, bytes + size);
-        if (output.size() >= kOutputChunk)
-            DrainOutput();
-        return size;
+        Lend();
+        return written;
     }
 
     // Puts the length of the record's data into its size field, in memory where the field
     // still is, else on the file.
     void PatchSize() {
+        TakeBack();
         long long end = OutputPosition();
         std::uint64_t length = static_cast<std::uint64_t>(end - dataStart);
         long long field = dataStart - 8;
         dataStart = -1;
         if (field >= outputStart) {
             std::memcpy(output.data() + (field - outputStart), &length, 8);
-            return;
+        } else {
+            DrainOutput();
+            if (Seek(file, field)) {
+                std::fwrite(&length, 1, 8, file);
+                NoteStreamState();
+                Seek(file, end);
+            }
         }
-        DrainOutput();
-        if (Seek(file, field)) {
-            std::fwrite(&length, 1, 8, file);
-            NoteStreamState();
-            Seek(file, end);
-        }
+        Lend();
     }
 
     void WriteRecord(std::size_t entry) {
@@ -699,6 +757,9 @@ BQuorvelArchive::BQuorvelArchive(char16_t const* path, MODE mode, BString name, 
         m_state->OpenForWriting(name, version);
     else
         m_state->OpenForReading(name, version);
+    // The windows open again at the next call that goes through the buffers, when this
+    // object is of its final class and a derived class's overrides are in place.
+    m_state->TakeBack();
 }
 
 BQuorvelArchive::~BQuorvelArchive() {
