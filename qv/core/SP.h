@@ -3,6 +3,7 @@
 #pragma once
 
 #include <type_traits>
+#include <typeinfo>
 #include <utility>
 
 template <class T>
@@ -61,10 +62,17 @@ public:
 private:
     template <class U>
     static T* Convert(U* p) noexcept {
-        if constexpr (std::is_convertible_v<U*, T*>)
+        if constexpr (std::is_convertible_v<U*, T*>) {
             return p;
-        else
+        } else {
+            // An object of exactly the wanted type needs no walk through the hierarchy, which
+            // is what a dynamic_cast costs; loading a graph converts once per reference. A
+            // virtual base cannot be cast down statically and always takes the walk.
+            if constexpr (requires { static_cast<T*>(p); })
+                if (p && typeid(*p) == typeid(T))
+                    return static_cast<T*>(p);
             return dynamic_cast<T*>(p);
+        }
     }
 
     T* m_p = nullptr;
