@@ -45,12 +45,17 @@ BQuorvelArchive* ObjectArchive(BArchive* archive) {
 
 template <>
 BArchive& BArchive::operator<<(BString const& value) {
+    return *this << value.View();
+}
+
+template <>
+BArchive& BArchive::operator<<(std::string_view const& value) {
     unsigned char const tag = 'S';
     WriteBytes(&tag, 1);
-    std::uint32_t length = Sizet_uint(value.Length());
+    std::uint32_t length = Sizet_uint(value.size());
     WriteBytes(&length, 4);
     if (length)
-        WriteBytes(value.CStr(), length);
+        WriteBytes(value.data(), length);
     return *this;
 }
 

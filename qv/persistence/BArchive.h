@@ -9,6 +9,7 @@
 #include <cstring>
 #include <qv/core/BSmartObj.h>
 #include <qv/persistence/BReadObjCallbackMap.h>
+#include <string_view>
 #include <type_traits>
 #include <vector>
 
@@ -215,6 +216,9 @@ private:
 // A narrow string: the tag byte 'S', the length as 4 bytes, the bytes without terminator.
 template <>
 BArchive& BArchive::operator<<(BString const& value);
+// The same form from text that is not held in a BString, such as a number's digits.
+template <>
+BArchive& BArchive::operator<<(std::string_view const& value);
 template <>
 BArchive& BArchive::operator>>(BString& value);
 // A wide string: the count as 4 signed bytes, then UTF-16LE units, no tag, no terminator.
