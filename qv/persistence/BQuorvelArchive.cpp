@@ -61,7 +61,7 @@ constexpr std::size_t kNoRecord = static_cast<std::size_t>(-1);
 
 struct KeyEntry {
     std::size_t record = kNoRecord; // the last record of the file under this key
-    SP<BSmartObj> object;
+    BSmartObj* object = nullptr;    // loaded; the list of loaded objects owns it
     bool queued = false;
     bool failed = false;
 };
@@ -333,6 +333,14 @@ struct BQuorvelArchive::State {
     // "already there?" costs constant time and the walk of the list stays the order of the
     // file.
     std::vector<NArchive::Tupel> pending;
+    // Beside each pending object its number if it had one when inserted, else 0: an object
+    // reached by reference is numbered just before, and its prefix then needs no second
+    // lookup in the table, which for a large graph is a cache miss per record.
+    std::vector<unsigned int> pendingNumbers;
+    // The object whose record is written (or was, last) with that number; the pending list
+    // keeps it alive, so its address names no other object.
+    BSmartObj const* writing = nullptr;
+    unsigned int writingNumber = 0;
     std::size_t firstUnwritten = 0;
     MetTable met;
     std::size_t indexed = 1; // null holds 0
@@ -355,7 +363,7 @@ struct BQuorvelArchive::State {
     std::unordered_map<std::string, std::uint32_t> classIndex;
     std::vector<Loaded> loaded;
     std::size_t firstUnresolved = 0;
-    std::deque<std::string> later;
+    std::deque<KeyEntry*> later;
     std::vector<KeyEntry*> failed;
     NoteBook notes;
 
@@ -635,8 +643,11 @@ struct BQuorvelArchive::State {
     }
 
     void WriteRecord(std::size_t entry) {
-        SP<BSmartObj> object = pending[entry].m_object; // the list may grow while we write
+        // The list may grow while we write; it still holds the object.
+        BSmartObj* object = pending[entry].m_object.get();
         BString name = pending[entry].m_name;
+        writing = object;
+        writingNumber = pendingNumbers[entry];
         object->WritePrefix(owner, name);
         dataStart = OutputPosition();
         object->WriteData(owner);
@@ -644,11 +655,11 @@ struct BQuorvelArchive::State {
         pending[entry].m_written = true;
     }
 
-    SP<BSmartObj> Load(std::string_view key) {
-        KeyEntry* entry = keys.Find(key);
+    // No key is empty: TakeOut, Queue and the scan refuse empty keys.
+    SP<BSmartObj> Load(KeyEntry* entry) {
         if (entry && entry->object)
             return entry->object;
-        if (!entry || entry->record == kNoRecord || key.empty() || !Good())
+        if (!entry || entry->record == kNoRecord || !Good())
             return nullptr;
         Record const& record = records[entry->record];
         if (!SeekRead(record.data))
@@ -699,15 +710,14 @@ struct BQuorvelArchive::State {
     // Keys whose load failed in the running TakeOut are not queued again: loading them a
     // second time would fail the same way, and read functions that give up after reading
     // their references could otherwise queue each other for ever.
-    void Queue(KeyEntry& entry, std::string key) {
-        if (key.empty() || entry.object || entry.queued || entry.failed)
+    void Queue(KeyEntry& entry) {
+        if (entry.object || entry.queued || entry.failed)
             return;
         entry.queued = true;
-        later.push_back(std::move(key));
+        later.push_back(&entry);
     }
 
-    void Fail(std::string_view key) {
-        KeyEntry& entry = keys.Get(key);
+    void Fail(KeyEntry& entry) {
         entry.failed = true;
         failed.push_back(&entry);
     }
@@ -720,11 +730,11 @@ struct BQuorvelArchive::State {
 
     void LoadLater() {
         while (!later.empty()) {
-            std::string key = std::move(later.front());
+            KeyEntry& entry = *later.front();
             later.pop_front();
-            keys.Get(key).queued = false;
-            if (!Load(key))
-                Fail(key);
+            entry.queued = false;
+            if (!Load(&entry))
+                Fail(entry);
         }
     }
 
@@ -734,7 +744,8 @@ struct BQuorvelArchive::State {
     void ResolveLoaded() {
         while (firstUnresolved < loaded.size()) {
             Loaded& entry = loaded[firstUnresolved++];
-            SP<BSmartObj> object = entry.object;
+            // The list may grow while the object updates; it still holds the object.
+            BSmartObj* object = entry.object.get();
             NoteBook::Stretch stretch = entry.notes;
             NoteBook::Stretch* outer = notes.SetCurrent(&stretch);
             try {
@@ -802,6 +813,7 @@ void BQuorvelArchive::Insert(BSmartObj* object, char const* name) {
     if (!key.empty())
         s.pendingNames.insert(key);
     s.pending.push_back({SP<BSmartObj>(object), BString(std::string_view(key)), false});
+    s.pendingNumbers.push_back(met.indexed ? met.index : 0);
 }
 
 bool BQuorvelArchive::Flush() {
@@ -828,9 +840,9 @@ SP<BSmartObj> BQuorvelArchive::TakeOut(char const* name) {
         State& s;
         ~ForgetFailures() { s.ForgetFailures(); }
     } guard{s};
-    SP<BSmartObj> object = s.Load(name);
+    SP<BSmartObj> object = s.Load(s.keys.Find(name));
     if (!object)
-        s.Fail(name);
+        s.Fail(s.keys.Get(name));
     s.LoadLater();
     s.ResolveLoaded();
     return VerifyObjects() ? object : nullptr;
@@ -865,6 +877,8 @@ bool BQuorvelArchive::VerifyObjects() {
 
 unsigned int BQuorvelArchive::MapPointerToIndex(void* object) {
     State& s = *m_state;
+    if (object == s.writing && s.writingNumber != 0)
+        return s.writingNumber;
     Met& met = s.met[object];
     if (!met.indexed) {
         // Null holds 0, so the number of objects numbered so far is the new index.
@@ -883,7 +897,7 @@ bool BQuorvelArchive::Force64bitFormat() const {
 void BQuorvelArchive::TakeOutLater(BString key) {
     std::string text(key.View());
     if (!text.empty())
-        m_state->Queue(m_state->keys.Get(text), text);
+        m_state->Queue(m_state->keys.Get(text));
 }
 
 WString BQuorvelArchive::Path() const {
@@ -896,7 +910,7 @@ void BQuorvelArchive::NoteReference(void* field, unsigned long long number, bool
     // order it read finds every field at the next note.
     s.notes.Add(field, number);
     if (load && number != 0)
-        s.Queue(s.keys.Get(number), NumberKey(number));
+        s.Queue(s.keys.Get(number));
 }
 
 bool BQuorvelArchive::TakeReference(void* field, unsigned long long& number) {
