@@ -53,6 +53,18 @@ public:
     requires(!std::is_same_v<U, T>) SP& operator=(SP<U> const& other) noexcept {
         return *this = Convert(other.get());
     }
+    // A converted object takes the other's reference along; one of another type leaves the
+    // other as it was.
+    template <class U>
+    requires(!std::is_same_v<U, T>) SP& operator=(SP<U>&& other) noexcept {
+        T* p = Convert(other.m_p);
+        if (!p)
+            return *this = nullptr;
+        other.m_p = nullptr;
+        if (T* old = std::exchange(m_p, p))
+            old->Unref();
+        return *this;
+    }
 
     operator T*() const noexcept { return m_p; }
     T* operator->() const noexcept { return m_p; }
@@ -60,6 +72,9 @@ public:
     T* get() const noexcept { return m_p; }
 
 private:
+    template <class U>
+    friend class SP;
+
     template <class U>
     static T* Convert(U* p) noexcept {
         if constexpr (std::is_convertible_v<U*, T*>) {
