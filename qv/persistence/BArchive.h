@@ -11,6 +11,7 @@
 #include <qv/persistence/BReadObjCallbackMap.h>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 static_assert(std::endian::native == std::endian::little,
@@ -133,7 +134,7 @@ public:
         bool noted = false;
         SP<BSmartObj> object = Resolve(&field, noted);
         if (noted)
-            field = object;
+            field = std::move(object);
     }
     // Returns how many elements stayed null, so that an owner that wants no null entries
     // knows whether it has to walk its list once more.

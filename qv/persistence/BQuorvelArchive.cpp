@@ -28,6 +28,8 @@ constexpr int kOldestFormat = 2;
 // memory, so that writing does not seek (and so flush the stream) once per object.
 constexpr std::size_t kOutputChunk = 1 << 20;
 constexpr std::size_t kInputChunk = 1 << 16;
+// How many loaded objects ahead a walk over them asks for their memory.
+constexpr std::size_t kAhead = 8;
 
 // The key of a reference number: the same text as BSmartObj::Id gives, made without a
 // string of our own on the heap, since loading does this once per reference.
@@ -655,8 +657,9 @@ struct BQuorvelArchive::State {
         pending[entry].m_written = true;
     }
 
-    // No key is empty: TakeOut, Queue and the scan refuse empty keys.
-    SP<BSmartObj> Load(KeyEntry* entry) {
+    // The object of a key, loaded if it is not yet; the list of loaded objects owns it. No key
+    // is empty: TakeOut, Queue and the scan refuse empty keys.
+    BSmartObj* Load(KeyEntry* entry) {
         if (entry && entry->object)
             return entry->object;
         if (!entry || entry->record == kNoRecord || !Good())
@@ -669,9 +672,10 @@ struct BQuorvelArchive::State {
             return nullptr; // an unknown class is no error: references to it come out null
         NoteBook::Stretch stretch;
         SP<BSmartObj> object = RunReadFunction(read, record.version, stretch);
-        if (object)
-            Enter(object, stretch, *entry, record.keys[record.keys[0] == entry ? 1 : 0]);
-        return object;
+        BSmartObj* made = object.get();
+        if (made)
+            Enter(std::move(object), stretch, *entry, record.keys[record.keys[0] == entry ? 1 : 0]);
+        return made;
     }
 
     // Runs a read function and keeps the reference numbers that it noted only if it built an
@@ -699,12 +703,12 @@ struct BQuorvelArchive::State {
     // Loaded objects are entered under both keys of their record. An object that a read
     // function hands out a second time is entered again and has its associations updated
     // again, as a dictionary entry set back to "not yet" would.
-    void Enter(SP<BSmartObj> const& object, NoteBook::Stretch const& stretch, KeyEntry& key,
+    void Enter(SP<BSmartObj> object, NoteBook::Stretch const& stretch, KeyEntry& key,
                KeyEntry* otherKey) {
-        key.object = object;
+        key.object = object.get();
         if (otherKey)
-            otherKey->object = object;
-        loaded.push_back({object, stretch});
+            otherKey->object = object.get();
+        loaded.push_back({std::move(object), stretch});
     }
 
     // Keys whose load failed in the running TakeOut are not queued again: loading them a
@@ -743,6 +747,8 @@ struct BQuorvelArchive::State {
     // once its call began, so a TakeOut from inside one cannot run it a second time.
     void ResolveLoaded() {
         while (firstUnresolved < loaded.size()) {
+            if (firstUnresolved + kAhead < loaded.size())
+                __builtin_prefetch(loaded[firstUnresolved + kAhead].object.get());
             Loaded& entry = loaded[firstUnresolved++];
             // The list may grow while the object updates; it still holds the object.
             BSmartObj* object = entry.object.get();
@@ -869,9 +875,14 @@ unsigned long long BQuorvelArchive::WriteMemoryBlock(void const* buffer, unsigne
 }
 
 bool BQuorvelArchive::VerifyObjects() {
-    for (State::Loaded const& entry : m_state->loaded)
-        if (!entry.object->VerifyObj())
+    std::vector<State::Loaded> const& loaded = m_state->loaded;
+    for (std::size_t i = 0; i < loaded.size(); ++i) {
+        // A large load does not fit the cache: the objects ahead are asked for early.
+        if (i + kAhead < loaded.size())
+            __builtin_prefetch(loaded[i + kAhead].object.get());
+        if (!loaded[i].object->VerifyObj())
             return false;
+    }
     return true;
 }
 
