@@ -72,17 +72,17 @@ struct KeyEntry {
 // The scan refuses a file with any prefix that does not read, so every record here has one
 // that reads as noted.
 struct Record {
-    long long data = 0;          // where the data begins, behind the prefix
-    KeyEntry* keys[2] = {};      // the entries of its id and of its name, null if empty
-    std::int32_t version = 0;    // the object's version from the prefix
-    std::uint32_t className = 0; // index into the class names the scan met
-};
-
-// A key of the scan in the form of a number, entered once the array of numbers is sized.
-struct NumberedKey {
-    unsigned long long number;
-    std::size_t record;
-    int which; // 0 for the id, 1 for the name
+    // The entry of a key, null if the key is empty. During the scan a key in the form of a
+    // number holds that number instead: its entry exists once the array of numbers is sized.
+    union Key {
+        KeyEntry* entry;
+        unsigned long long number;
+    };
+    long long data = 0;            // where the data begins, behind the prefix
+    Key keys[2] = {{}, {}};        // of its id and of its name
+    std::int32_t version = 0;      // the object's version from the prefix
+    std::uint32_t className = 0;   // index into the class names the scan met
+    std::uint8_t numberedKeys = 0; // during the scan, bit which set while keys[which] is a number
 };
 
 // The keys of a file. Ids in their own form (lower-case hexadecimal without leading zeros)
@@ -92,16 +92,22 @@ struct NumberedKey {
 // the one dictionary of keys.
 class KeyTable {
 public:
-    // Sizes the array once the number of records is known; the records noted for numbers
-    // during the scan are entered then, in file order, so that later records win. Entries
-    // keep their addresses from here on: the array is not resized again, and the other
-    // keys live in nodes of a hash map.
-    void Build(std::vector<Record>& records, std::vector<NumberedKey> const& numbered) {
+    // Sizes the array once the number of records is known; the keys of records in the form
+    // of numbers are entered then, in file order, so that later records win. Entries keep
+    // their addresses from here on: the array is not resized again, and the other keys live
+    // in nodes of a hash map.
+    void Build(std::vector<Record>& records) {
         m_slots.resize(records.size() + 1);
-        for (NumberedKey const& key : numbered) {
-            KeyEntry& entry = Get(key.number);
-            entry.record = key.record;
-            records[key.record].keys[key.which] = &entry;
+        for (std::size_t at = 0; at < records.size(); ++at) {
+            Record& record = records[at];
+            for (int which = 0; which < 2; ++which) {
+                if (!(record.numberedKeys & (1 << which)))
+                    continue;
+                KeyEntry& entry = Get(record.keys[which].number);
+                entry.record = at;
+                record.keys[which].entry = &entry;
+            }
+            record.numberedKeys = 0;
         }
     }
     // The entry of a key that is not in the form of a number.
@@ -467,7 +473,6 @@ struct BQuorvelArchive::State {
         long long position = firstRecord;
         if (end < 0 || !SeekRead(position))
             return false;
-        std::vector<NumberedKey> numbered;
         BString id, name, className; // reused: their blocks are filled in place
         while (position < end) {
             int version = 0;
@@ -489,18 +494,19 @@ struct BQuorvelArchive::State {
                 std::string_view key = (which == 0 ? id : name).View();
                 unsigned long long number = 0;
                 if (KeyTable::IsNumber(key, number)) {
-                    numbered.push_back({number, records.size() - 1, which});
+                    record.keys[which].number = number;
+                    record.numberedKeys |= static_cast<std::uint8_t>(1 << which);
                 } else if (!key.empty()) {
                     KeyEntry& entry = keys.Named(key);
                     entry.record = records.size() - 1;
-                    record.keys[which] = &entry;
+                    record.keys[which].entry = &entry;
                 }
             }
             position = data + static_cast<long long>(size);
             if (!SeekRead(position))
                 return false;
         }
-        keys.Build(records, numbered);
+        keys.Build(records);
         loaded.reserve(records.size());
         return true;
     }
@@ -674,7 +680,8 @@ struct BQuorvelArchive::State {
         SP<BSmartObj> object = RunReadFunction(read, record.version, stretch);
         BSmartObj* made = object.get();
         if (made)
-            Enter(std::move(object), stretch, *entry, record.keys[record.keys[0] == entry ? 1 : 0]);
+            Enter(std::move(object), stretch, *entry,
+                  record.keys[record.keys[0].entry == entry ? 1 : 0].entry);
         return made;
     }
 
