@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <qv/core/BSmartObj.h>
 #include <qv/persistence/BArchive.h>
+#include <string_view>
 
 QV_REGISTER_CLASSNAME(BSmartObj);
 
@@ -71,14 +72,20 @@ SP<BSmartObj> BSmartObj::Read(BArchive&, int) {
 
 void BSmartObj::WritePrefix(BArchive& archive, BString name) const {
     // The index is asked for with the address of the BSmartObj part, which is what the
-    // archive keys objects by, also for classes that have BSmartObj as a virtual base.
+    // archive keys objects by, also for classes that have BSmartObj as a virtual base. The id
+    // is the text Id gives, written from the digits: a record's prefix makes no string.
     unsigned int index = archive.MapPointerToIndex(const_cast<BSmartObj*>(this));
-    archive << Id(static_cast<unsigned long long>(index)) << name << BString(ArchiveName())
+    char digits[16];
+    std::string_view id(digits, std::to_chars(digits, digits + 16, index, 16).ptr);
+    char const* className = ArchiveName();
+    archive << id << name << std::string_view(className ? className : "")
             << static_cast<std::int32_t>(Version());
     // The size is patched in behind the data by the object archive; six was the last format
     // with 32-bit sizes.
-    static unsigned char const placeholder[8] = {0xEA, 0xEA, 0xEA, 0xEA, 0xEA, 0xEA, 0xEA, 0xEA};
-    archive.WriteMemoryBlock(placeholder, archive.Version() == 6 ? 4 : 8);
+    if (archive.Version() == 6)
+        archive << std::uint32_t{0xEAEAEAEA};
+    else
+        archive << 0xEAEAEAEAEAEAEAEAull;
 }
 
 bool BSmartObj::ReadPrefix(BArchive& archive, BString& id, BString& name, BString& className,

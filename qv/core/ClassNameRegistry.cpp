@@ -30,16 +30,8 @@ std::string NameFromTypeInfo(std::type_info const& type) {
     return std::string("class ") + (status == 0 && demangled ? demangled.get() : type.name());
 }
 
-} // namespace
-
-bool ClassNameRegistry::Register(std::type_info const& type, char const* className) {
-    Registry& r = TheRegistry();
-    std::unique_lock lock(r.mutex);
-    r.names.emplace(std::type_index(type), className);
-    return true;
-}
-
-char const* ClassNameRegistry::Lookup(std::type_info const& type) {
+// The registered name, or one made for the unregistered class.
+char const* FindName(std::type_info const& type) {
     Registry& r = TheRegistry();
     std::type_index key(type);
     {
@@ -54,4 +46,27 @@ char const* ClassNameRegistry::Lookup(std::type_info const& type) {
     slot = std::make_unique<std::string>(NameFromTypeInfo(type));
     r.names.emplace(key, slot->c_str());
     return slot->c_str();
+}
+
+} // namespace
+
+bool ClassNameRegistry::Register(std::type_info const& type, char const* className) {
+    Registry& r = TheRegistry();
+    std::unique_lock lock(r.mutex);
+    r.names.emplace(std::type_index(type), className);
+    return true;
+}
+
+char const* ClassNameRegistry::Lookup(std::type_info const& type) {
+    // A type keeps the name it was first answered with: registrations never replace one, and
+    // names made for unregistered classes stay. So each thread may keep its last answer,
+    // which serves the runs of objects of one class that an archive writes without a lock.
+    thread_local std::type_info const* lastType = nullptr;
+    thread_local char const* lastName = nullptr;
+    if (lastType == &type)
+        return lastName;
+    char const* name = FindName(type);
+    lastType = &type;
+    lastName = name;
+    return name;
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <type_traits>
+#include <typeinfo>
 #include <utility>
 
 template <class T>
@@ -52,6 +53,18 @@ public:
     requires(!std::is_same_v<U, T>) SP& operator=(SP<U> const& other) noexcept {
         return *this = Convert(other.get());
     }
+    // A converted object takes the other's reference along; one of another type leaves the
+    // other as it was.
+    template <class U>
+    requires(!std::is_same_v<U, T>) SP& operator=(SP<U>&& other) noexcept {
+        T* p = Convert(other.m_p);
+        if (!p)
+            return *this = nullptr;
+        other.m_p = nullptr;
+        if (T* old = std::exchange(m_p, p))
+            old->Unref();
+        return *this;
+    }
 
     operator T*() const noexcept { return m_p; }
     T* operator->() const noexcept { return m_p; }
@@ -60,11 +73,21 @@ public:
 
 private:
     template <class U>
+    friend class SP;
+
+    template <class U>
     static T* Convert(U* p) noexcept {
-        if constexpr (std::is_convertible_v<U*, T*>)
+        if constexpr (std::is_convertible_v<U*, T*>) {
             return p;
-        else
+        } else {
+            // An object of exactly the wanted type needs no walk through the hierarchy, which
+            // is what a dynamic_cast costs; loading a graph converts once per reference. A
+            // virtual base cannot be cast down statically and always takes the walk.
+            if constexpr (requires { static_cast<T*>(p); })
+                if (p && typeid(*p) == typeid(T))
+                    return static_cast<T*>(p);
             return dynamic_cast<T*>(p);
+        }
     }
 
     T* m_p = nullptr;

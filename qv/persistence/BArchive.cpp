@@ -45,12 +45,17 @@ BQuorvelArchive* ObjectArchive(BArchive* archive) {
 
 template <>
 BArchive& BArchive::operator<<(BString const& value) {
+    return *this << value.View();
+}
+
+template <>
+BArchive& BArchive::operator<<(std::string_view const& value) {
     unsigned char const tag = 'S';
-    WriteMemoryBlock(&tag, 1);
-    std::uint32_t length = Sizet_uint(value.Length());
-    WriteMemoryBlock(&length, 4);
+    WriteBytes(&tag, 1);
+    std::uint32_t length = Sizet_uint(value.size());
+    WriteBytes(&length, 4);
     if (length)
-        WriteMemoryBlock(value.CStr(), length);
+        WriteBytes(value.data(), length);
     return *this;
 }
 
@@ -58,7 +63,7 @@ template <>
 BArchive& BArchive::operator>>(BString& value) {
     // The tag is read whatever the mode: a closed archive yields nothing and so throws.
     unsigned char tag = 0;
-    if (ReadMemoryBlock(&tag, 1) != 1 || tag != 'S')
+    if (ReadBytes(&tag, 1) != 1 || tag != 'S')
         throw ARCHIVE_BAD_STRING;
     std::uint32_t length = 0;
     *this >> length;
@@ -66,7 +71,7 @@ BArchive& BArchive::operator>>(BString& value) {
         // The common case, read straight over blanks: a short read leaves them at the end.
         value.Fill(length, ' ');
         if (length)
-            ReadMemoryBlock(value.Str(), length);
+            ReadBytes(value.Str(), length);
         return *this;
     }
     std::string bytes;
@@ -85,9 +90,9 @@ BArchive& BArchive::operator>>(BString& value) {
 template <>
 BArchive& BArchive::operator<<(WString const& value) {
     std::int32_t count = Sizet_int(value.Length());
-    WriteMemoryBlock(&count, 4);
+    WriteBytes(&count, 4);
     if (count > 0)
-        WriteMemoryBlock(value.CStr(), static_cast<unsigned long long>(count) * 2);
+        WriteBytes(value.CStr(), static_cast<unsigned long long>(count) * 2);
     return *this;
 }
 
@@ -99,7 +104,7 @@ BArchive& BArchive::operator>>(WString& value) {
         // Blanks give the string a buffer of its own, which the units are read into.
         unsigned long long const bytes = static_cast<unsigned long long>(count) * 2;
         value.Fill(static_cast<std::size_t>(count), u' ');
-        if (ReadMemoryBlock(value.Str(), bytes) != bytes)
+        if (ReadBytes(value.Str(), bytes) != bytes)
             value.Clear();
         return *this;
     }
@@ -139,19 +144,12 @@ void BArchive::WriteNumber(unsigned long long number) {
 }
 
 bool BArchive::ReadNumber(unsigned long long& number) {
-    if (!CanRead())
+    // Four bytes land in the low half: the image is little-endian.
+    std::size_t const width = Version() > 6 ? 8 : 4;
+    std::uint64_t value = 0;
+    if (!TakeFromWindow(&value, width) && !(CanRead() && ReadMemoryBlock(&value, width) == width))
         return false;
-    if (Version() > 6) {
-        std::uint64_t wide = 0;
-        if (ReadMemoryBlock(&wide, 8) != 8)
-            return false;
-        number = wide;
-    } else {
-        std::uint32_t narrow = 0;
-        if (ReadMemoryBlock(&narrow, 4) != 4)
-            return false;
-        number = narrow;
-    }
+    number = value;
     return true;
 }
 

@@ -6,9 +6,12 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <qv/core/BSmartObj.h>
 #include <qv/persistence/BReadObjCallbackMap.h>
+#include <string_view>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 static_assert(std::endian::native == std::endian::little,
@@ -48,13 +51,14 @@ public:
     template <class T>
     BArchive& operator<<(T const& value) {
         CheckPlain<T>();
-        WriteMemoryBlock(&value, sizeof(T));
+        if (!PutInWindow(&value, sizeof(T)))
+            WriteMemoryBlock(&value, sizeof(T));
         return *this;
     }
     template <class T>
     BArchive& operator>>(T& value) {
         CheckPlain<T>();
-        if (Mode() == READ && IsGood())
+        if (!TakeFromWindow(&value, sizeof(T)) && Mode() == READ && IsGood())
             ReadMemoryBlock(&value, sizeof(T));
         return *this;
     }
@@ -130,7 +134,7 @@ public:
         bool noted = false;
         SP<BSmartObj> object = Resolve(&field, noted);
         if (noted)
-            field = object;
+            field = std::move(object);
     }
     // Returns how many elements stayed null, so that an owner that wants no null entries
     // knows whether it has to walk its list once more.
@@ -144,7 +148,41 @@ public:
         return nulls;
     }
 
+protected:
+    // Windows into a buffer of the concrete archive: bytes it has read ahead, or room it has
+    // for bytes to write. A value that fits is copied there without the virtual calls of the
+    // general path, which is taken when the window is empty or too small; that path refills
+    // or drains the buffer and may open the window again. An archive opens a window only
+    // where its ReadMemoryBlock or WriteMemoryBlock would do nothing but copy, so either way
+    // gives the same bytes; the read window is open only while reading is possible.
+    unsigned char const* m_readNext = nullptr;
+    unsigned char const* m_readEnd = nullptr;
+    unsigned char* m_writeNext = nullptr;
+    unsigned char* m_writeEnd = nullptr;
+
 private:
+    bool TakeFromWindow(void* buffer, std::size_t size) {
+        if (static_cast<std::size_t>(m_readEnd - m_readNext) < size)
+            return false;
+        std::memcpy(buffer, m_readNext, size);
+        m_readNext += size;
+        return true;
+    }
+    bool PutInWindow(void const* buffer, std::size_t size) {
+        if (static_cast<std::size_t>(m_writeEnd - m_writeNext) < size)
+            return false;
+        std::memcpy(m_writeNext, buffer, size);
+        m_writeNext += size;
+        return true;
+    }
+    // ReadMemoryBlock and WriteMemoryBlock through the windows.
+    unsigned long long ReadBytes(void* buffer, unsigned long long size) {
+        return TakeFromWindow(buffer, size) ? size : ReadMemoryBlock(buffer, size);
+    }
+    unsigned long long WriteBytes(void const* buffer, unsigned long long size) {
+        return PutInWindow(buffer, size) ? size : WriteMemoryBlock(buffer, size);
+    }
+
     template <class T>
     static BSmartObj* SmartPart(T* pointer) {
         // The implicit conversion finds the BSmartObj part also through a virtual base, and
@@ -179,6 +217,9 @@ private:
 // A narrow string: the tag byte 'S', the length as 4 bytes, the bytes without terminator.
 template <>
 BArchive& BArchive::operator<<(BString const& value);
+// The same form from text that is not held in a BString, such as a number's digits.
+template <>
+BArchive& BArchive::operator<<(std::string_view const& value);
 template <>
 BArchive& BArchive::operator>>(BString& value);
 // A wide string: the count as 4 signed bytes, then UTF-16LE units, no tag, no terminator.

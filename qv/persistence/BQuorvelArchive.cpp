@@ -10,6 +10,7 @@
 #include <qv/platform/FileSeek.h>
 #include <qv/platform/FileStream.h>
 #include <string>
+#include <typeinfo>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -27,6 +28,8 @@ constexpr int kOldestFormat = 2;
 // memory, so that writing does not seek (and so flush the stream) once per object.
 constexpr std::size_t kOutputChunk = 1 << 20;
 constexpr std::size_t kInputChunk = 1 << 16;
+// How many loaded objects ahead a walk over them asks for their memory.
+constexpr std::size_t kAhead = 8;
 
 // The key of a reference number: the same text as BSmartObj::Id gives, made without a
 // string of our own on the heap, since loading does this once per reference.
@@ -60,7 +63,7 @@ constexpr std::size_t kNoRecord = static_cast<std::size_t>(-1);
 
 struct KeyEntry {
     std::size_t record = kNoRecord; // the last record of the file under this key
-    SP<BSmartObj> object;
+    BSmartObj* object = nullptr;    // loaded; the list of loaded objects owns it
     bool queued = false;
     bool failed = false;
 };
@@ -69,17 +72,17 @@ struct KeyEntry {
 // The scan refuses a file with any prefix that does not read, so every record here has one
 // that reads as noted.
 struct Record {
-    long long data = 0;          // where the data begins, behind the prefix
-    KeyEntry* keys[2] = {};      // the entries of its id and of its name, null if empty
-    std::int32_t version = 0;    // the object's version from the prefix
-    std::uint32_t className = 0; // index into the class names the scan met
-};
-
-// A key of the scan in the form of a number, entered once the array of numbers is sized.
-struct NumberedKey {
-    unsigned long long number;
-    std::size_t record;
-    int which; // 0 for the id, 1 for the name
+    // The entry of a key, null if the key is empty. During the scan a key in the form of a
+    // number holds that number instead: its entry exists once the array of numbers is sized.
+    union Key {
+        KeyEntry* entry;
+        unsigned long long number;
+    };
+    long long data = 0;            // where the data begins, behind the prefix
+    Key keys[2] = {{}, {}};        // of its id and of its name
+    std::int32_t version = 0;      // the object's version from the prefix
+    std::uint32_t className = 0;   // index into the class names the scan met
+    std::uint8_t numberedKeys = 0; // during the scan, bit which set while keys[which] is a number
 };
 
 // The keys of a file. Ids in their own form (lower-case hexadecimal without leading zeros)
@@ -89,16 +92,22 @@ struct NumberedKey {
 // the one dictionary of keys.
 class KeyTable {
 public:
-    // Sizes the array once the number of records is known; the records noted for numbers
-    // during the scan are entered then, in file order, so that later records win. Entries
-    // keep their addresses from here on: the array is not resized again, and the other
-    // keys live in nodes of a hash map.
-    void Build(std::vector<Record>& records, std::vector<NumberedKey> const& numbered) {
+    // Sizes the array once the number of records is known; the keys of records in the form
+    // of numbers are entered then, in file order, so that later records win. Entries keep
+    // their addresses from here on: the array is not resized again, and the other keys live
+    // in nodes of a hash map.
+    void Build(std::vector<Record>& records) {
         m_slots.resize(records.size() + 1);
-        for (NumberedKey const& key : numbered) {
-            KeyEntry& entry = Get(key.number);
-            entry.record = key.record;
-            records[key.record].keys[key.which] = &entry;
+        for (std::size_t at = 0; at < records.size(); ++at) {
+            Record& record = records[at];
+            for (int which = 0; which < 2; ++which) {
+                if (!(record.numberedKeys & (1 << which)))
+                    continue;
+                KeyEntry& entry = Get(record.keys[which].number);
+                entry.record = at;
+                record.keys[which].entry = &entry;
+            }
+            record.numberedKeys = 0;
         }
     }
     // The entry of a key that is not in the form of a number.
@@ -332,6 +341,14 @@ struct BQuorvelArchive::State {
     // "already there?" costs constant time and the walk of the list stays the order of the
     // file.
     std::vector<NArchive::Tupel> pending;
+    // Beside each pending object its number if it had one when inserted, else 0: an object
+    // reached by reference is numbered just before, and its prefix then needs no second
+    // lookup in the table, which for a large graph is a cache miss per record.
+    std::vector<unsigned int> pendingNumbers;
+    // The object whose record is written (or was, last) with that number; the pending list
+    // keeps it alive, so its address names no other object.
+    BSmartObj const* writing = nullptr;
+    unsigned int writingNumber = 0;
     std::size_t firstUnwritten = 0;
     MetTable met;
     std::size_t indexed = 1; // null holds 0
@@ -354,12 +371,14 @@ struct BQuorvelArchive::State {
     std::unordered_map<std::string, std::uint32_t> classIndex;
     std::vector<Loaded> loaded;
     std::size_t firstUnresolved = 0;
-    std::deque<std::string> later;
+    std::deque<KeyEntry*> later;
     std::vector<KeyEntry*> failed;
     NoteBook notes;
 
-    // Written bytes not yet handed to the stream, and the file position of the first.
+    // Written bytes not yet handed to the stream (the first outputUsed of the buffer), and the
+    // file position of the first. The buffer is sized once, when writing begins.
     std::vector<unsigned char> output;
+    std::size_t outputUsed = 0;
     long long outputStart = 0;
 
     // Bytes read ahead: the stream's position is always inputStart + inputEnd. Loading seeks
@@ -375,7 +394,38 @@ struct BQuorvelArchive::State {
     bool streamError = false;
 
     bool Good() const { return file && !streamError; }
-    void NoteStreamState() { streamError = file && std::ferror(file); }
+    void NoteStreamState() {
+        streamError = file && std::ferror(file);
+        if (streamError)
+            TakeBack();
+    }
+
+    // The buffers are lent to the archive's windows, through which plain values pass without
+    // a virtual call, while the stream is good and only by an archive of this very class: a
+    // derived class may override how bytes are read or written, so its bytes always take the
+    // virtual path. While lent, the window holds the cursor. Whatever moves the cursor or
+    // touches the stream takes it back first and lends it again when done.
+    void TakeBack() {
+        if (owner.m_readNext) {
+            inputPosition = static_cast<std::size_t>(owner.m_readNext - input.data());
+            owner.m_readNext = owner.m_readEnd = nullptr;
+        }
+        if (owner.m_writeNext) {
+            outputUsed = static_cast<std::size_t>(owner.m_writeNext - output.data());
+            owner.m_writeNext = owner.m_writeEnd = nullptr;
+        }
+    }
+    void Lend() {
+        if (!Good() || typeid(owner) != typeid(BQuorvelArchive))
+            return;
+        if (mode == WRITE) {
+            owner.m_writeNext = output.data() + outputUsed;
+            owner.m_writeEnd = output.data() + output.size();
+        } else {
+            owner.m_readNext = input.data() + inputPosition;
+            owner.m_readEnd = input.data() + inputEnd;
+        }
+    }
 
     void OpenForWriting(BString const& name, int version) {
         file = OpenFile(path, true);
@@ -414,6 +464,7 @@ struct BQuorvelArchive::State {
 
     // One pass over the prefixes, seeking over the data, to learn where each key lies.
     bool ScanRecords() {
+        TakeBack();
         if (!Seek(file, 0, SEEK_END))
             return false;
         long long end = Tell(file);
@@ -422,7 +473,6 @@ struct BQuorvelArchive::State {
         long long position = firstRecord;
         if (end < 0 || !SeekRead(position))
             return false;
-        std::vector<NumberedKey> numbered;
         BString id, name, className; // reused: their blocks are filled in place
         while (position < end) {
             int version = 0;
@@ -444,18 +494,19 @@ struct BQuorvelArchive::State {
                 std::string_view key = (which == 0 ? id : name).View();
                 unsigned long long number = 0;
                 if (KeyTable::IsNumber(key, number)) {
-                    numbered.push_back({number, records.size() - 1, which});
+                    record.keys[which].number = number;
+                    record.numberedKeys |= static_cast<std::uint8_t>(1 << which);
                 } else if (!key.empty()) {
                     KeyEntry& entry = keys.Named(key);
                     entry.record = records.size() - 1;
-                    record.keys[which] = &entry;
+                    record.keys[which].entry = &entry;
                 }
             }
             position = data + static_cast<long long>(size);
             if (!SeekRead(position))
                 return false;
         }
-        keys.Build(records, numbered);
+        keys.Build(records);
         loaded.reserve(records.size());
         return true;
     }
@@ -489,26 +540,35 @@ struct BQuorvelArchive::State {
 
     void Close() {
         DrainOutput();
+        TakeBack();
         std::fclose(file);
         file = nullptr;
     }
 
-    long long ReadPosition() const { return inputStart + static_cast<long long>(inputPosition); }
+    long long ReadPosition() const {
+        std::size_t at = owner.m_readNext
+                             ? static_cast<std::size_t>(owner.m_readNext - input.data())
+                             : inputPosition;
+        return inputStart + static_cast<long long>(at);
+    }
 
     bool SeekRead(long long position) {
+        TakeBack();
         if (position >= inputStart && position <= inputStart + static_cast<long long>(inputEnd)) {
             inputPosition = static_cast<std::size_t>(position - inputStart);
-            return true;
+        } else {
+            if (!Seek(file, position))
+                return false;
+            inputStart = position;
+            inputPosition = inputEnd = 0;
         }
-        if (!Seek(file, position))
-            return false;
-        inputStart = position;
-        inputPosition = inputEnd = 0;
+        Lend();
         return true;
     }
 
     // As fread would: the bytes that came, fewer at the end of the file or on an error.
     unsigned long long Read(void* buffer, unsigned long long size) {
+        TakeBack();
         auto* out = static_cast<unsigned char*>(buffer);
         unsigned long long done = 0;
         while (done < size) {
@@ -520,6 +580,7 @@ struct BQuorvelArchive::State {
             inputPosition += take;
             done += take;
         }
+        Lend();
         return done;
     }
 
@@ -532,53 +593,69 @@ struct BQuorvelArchive::State {
         return inputEnd > 0;
     }
 
-    long long OutputPosition() const { return outputStart + static_cast<long long>(output.size()); }
+    long long OutputPosition() const {
+        std::size_t used = owner.m_writeNext
+                               ? static_cast<std::size_t>(owner.m_writeNext - output.data())
+                               : outputUsed;
+        return outputStart + static_cast<long long>(used);
+    }
 
+    // Leaves the window closed: the caller lends it again if it goes on writing.
     void DrainOutput() {
-        if (output.empty() || !file)
+        TakeBack();
+        if (outputUsed == 0 || !file)
             return;
-        outputStart += static_cast<long long>(std::fwrite(output.data(), 1, output.size(), file));
+        outputStart += static_cast<long long>(std::fwrite(output.data(), 1, outputUsed, file));
+        outputUsed = 0;
         NoteStreamState();
-        output.clear();
     }
 
     unsigned long long Write(void const* buffer, unsigned long long size) {
-        if (size >= kOutputChunk) {
+        TakeBack();
+        unsigned long long written = size;
+        if (size > output.size() - outputUsed) {
             DrainOutput();
-            unsigned long long written = std::fwrite(buffer, 1, size, file);
+            output.resize(kOutputChunk);
+        }
+        if (size >= kOutputChunk) {
+            written = std::fwrite(buffer, 1, size, file);
             NoteStreamState();
             outputStart += static_cast<long long>(written);
-            return written;
+        } else {
+            std::memcpy(output.data() + outputUsed, buffer, size);
+            outputUsed += size;
         }
-        auto const* bytes = static_cast<unsigned char const*>(buffer);
-        output.insert(output.end(), bytes, bytes + size);
-        if (output.size() >= kOutputChunk)
-            DrainOutput();
-        return size;
+        Lend();
+        return written;
     }
 
     // Puts the length of the record's data into its size field, in memory where the field
     // still is, else on the file.
     void PatchSize() {
+        TakeBack();
         long long end = OutputPosition();
         std::uint64_t length = static_cast<std::uint64_t>(end - dataStart);
         long long field = dataStart - 8;
         dataStart = -1;
         if (field >= outputStart) {
             std::memcpy(output.data() + (field - outputStart), &length, 8);
-            return;
+        } else {
+            DrainOutput();
+            if (Seek(file, field)) {
+                std::fwrite(&length, 1, 8, file);
+                NoteStreamState();
+                Seek(file, end);
+            }
         }
-        DrainOutput();
-        if (Seek(file, field)) {
-            std::fwrite(&length, 1, 8, file);
-            NoteStreamState();
-            Seek(file, end);
-        }
+        Lend();
     }
 
     void WriteRecord(std::size_t entry) {
-        SP<BSmartObj> object = pending[entry].m_object; // the list may grow while we write
+        // The list may grow while we write; it still holds the object.
+        BSmartObj* object = pending[entry].m_object.get();
         BString name = pending[entry].m_name;
+        writing = object;
+        writingNumber = pendingNumbers[entry];
         object->WritePrefix(owner, name);
         dataStart = OutputPosition();
         object->WriteData(owner);
@@ -586,11 +663,12 @@ struct BQuorvelArchive::State {
         pending[entry].m_written = true;
     }
 
-    SP<BSmartObj> Load(std::string_view key) {
-        KeyEntry* entry = keys.Find(key);
+    // The object of a key, loaded if it is not yet; the list of loaded objects owns it. No key
+    // is empty: TakeOut, Queue and the scan refuse empty keys.
+    BSmartObj* Load(KeyEntry* entry) {
         if (entry && entry->object)
             return entry->object;
-        if (!entry || entry->record == kNoRecord || key.empty() || !Good())
+        if (!entry || entry->record == kNoRecord || !Good())
             return nullptr;
         Record const& record = records[entry->record];
         if (!SeekRead(record.data))
@@ -600,9 +678,11 @@ struct BQuorvelArchive::State {
             return nullptr; // an unknown class is no error: references to it come out null
         NoteBook::Stretch stretch;
         SP<BSmartObj> object = RunReadFunction(read, record.version, stretch);
-        if (object)
-            Enter(object, stretch, *entry, record.keys[record.keys[0] == entry ? 1 : 0]);
-        return object;
+        BSmartObj* made = object.get();
+        if (made)
+            Enter(std::move(object), stretch, *entry,
+                  record.keys[record.keys[0].entry == entry ? 1 : 0].entry);
+        return made;
     }
 
     // Runs a read function and keeps the reference numbers that it noted only if it built an
@@ -630,26 +710,25 @@ struct BQuorvelArchive::State {
     // Loaded objects are entered under both keys of their record. An object that a read
     // function hands out a second time is entered again and has its associations updated
     // again, as a dictionary entry set back to "not yet" would.
-    void Enter(SP<BSmartObj> const& object, NoteBook::Stretch const& stretch, KeyEntry& key,
+    void Enter(SP<BSmartObj> object, NoteBook::Stretch const& stretch, KeyEntry& key,
                KeyEntry* otherKey) {
-        key.object = object;
+        key.object = object.get();
         if (otherKey)
-            otherKey->object = object;
-        loaded.push_back({object, stretch});
+            otherKey->object = object.get();
+        loaded.push_back({std::move(object), stretch});
     }
 
     // Keys whose load failed in the running TakeOut are not queued again: loading them a
     // second time would fail the same way, and read functions that give up after reading
     // their references could otherwise queue each other for ever.
-    void Queue(KeyEntry& entry, std::string key) {
-        if (key.empty() || entry.object || entry.queued || entry.failed)
+    void Queue(KeyEntry& entry) {
+        if (entry.object || entry.queued || entry.failed)
             return;
         entry.queued = true;
-        later.push_back(std::move(key));
+        later.push_back(&entry);
     }
 
-    void Fail(std::string_view key) {
-        KeyEntry& entry = keys.Get(key);
+    void Fail(KeyEntry& entry) {
         entry.failed = true;
         failed.push_back(&entry);
     }
@@ -662,11 +741,11 @@ struct BQuorvelArchive::State {
 
     void LoadLater() {
         while (!later.empty()) {
-            std::string key = std::move(later.front());
+            KeyEntry& entry = *later.front();
             later.pop_front();
-            keys.Get(key).queued = false;
-            if (!Load(key))
-                Fail(key);
+            entry.queued = false;
+            if (!Load(&entry))
+                Fail(entry);
         }
     }
 
@@ -675,8 +754,11 @@ struct BQuorvelArchive::State {
     // once its call began, so a TakeOut from inside one cannot run it a second time.
     void ResolveLoaded() {
         while (firstUnresolved < loaded.size()) {
+            if (firstUnresolved + kAhead < loaded.size())
+                __builtin_prefetch(loaded[firstUnresolved + kAhead].object.get());
             Loaded& entry = loaded[firstUnresolved++];
-            SP<BSmartObj> object = entry.object;
+            // The list may grow while the object updates; it still holds the object.
+            BSmartObj* object = entry.object.get();
             NoteBook::Stretch stretch = entry.notes;
             NoteBook::Stretch* outer = notes.SetCurrent(&stretch);
             try {
@@ -699,6 +781,9 @@ BQuorvelArchive::BQuorvelArchive(char16_t const* path, MODE mode, BString name, 
         m_state->OpenForWriting(name, version);
     else
         m_state->OpenForReading(name, version);
+    // The windows open again at the next call that goes through the buffers, when this
+    // object is of its final class and a derived class's overrides are in place.
+    m_state->TakeBack();
 }
 
 BQuorvelArchive::~BQuorvelArchive() {
@@ -741,6 +826,7 @@ void BQuorvelArchive::Insert(BSmartObj* object, char const* name) {
     if (!key.empty())
         s.pendingNames.insert(key);
     s.pending.push_back({SP<BSmartObj>(object), BString(std::string_view(key)), false});
+    s.pendingNumbers.push_back(met.indexed ? met.index : 0);
 }
 
 bool BQuorvelArchive::Flush() {
@@ -767,9 +853,9 @@ SP<BSmartObj> BQuorvelArchive::TakeOut(char const* name) {
         State& s;
         ~ForgetFailures() { s.ForgetFailures(); }
     } guard{s};
-    SP<BSmartObj> object = s.Load(name);
+    SP<BSmartObj> object = s.Load(s.keys.Find(name));
     if (!object)
-        s.Fail(name);
+        s.Fail(s.keys.Get(name));
     s.LoadLater();
     s.ResolveLoaded();
     return VerifyObjects() ? object : nullptr;
@@ -796,14 +882,21 @@ unsigned long long BQuorvelArchive::WriteMemoryBlock(void const* buffer, unsigne
 }
 
 bool BQuorvelArchive::VerifyObjects() {
-    for (State::Loaded const& entry : m_state->loaded)
-        if (!entry.object->VerifyObj())
+    std::vector<State::Loaded> const& loaded = m_state->loaded;
+    for (std::size_t i = 0; i < loaded.size(); ++i) {
+        // A large load does not fit the cache: the objects ahead are asked for early.
+        if (i + kAhead < loaded.size())
+            __builtin_prefetch(loaded[i + kAhead].object.get());
+        if (!loaded[i].object->VerifyObj())
             return false;
+    }
     return true;
 }
 
 unsigned int BQuorvelArchive::MapPointerToIndex(void* object) {
     State& s = *m_state;
+    if (object == s.writing && s.writingNumber != 0)
+        return s.writingNumber;
     Met& met = s.met[object];
     if (!met.indexed) {
         // Null holds 0, so the number of objects numbered so far is the new index.
@@ -822,7 +915,7 @@ bool BQuorvelArchive::Force64bitFormat() const {
 void BQuorvelArchive::TakeOutLater(BString key) {
     std::string text(key.View());
     if (!text.empty())
-        m_state->Queue(m_state->keys.Get(text), text);
+        m_state->Queue(m_state->keys.Get(text));
 }
 
 WString BQuorvelArchive::Path() const {
@@ -835,7 +928,7 @@ void BQuorvelArchive::NoteReference(void* field, unsigned long long number, bool
     // order it read finds every field at the next note.
     s.notes.Add(field, number);
     if (load && number != 0)
-        s.Queue(s.keys.Get(number), NumberKey(number));
+        s.Queue(s.keys.Get(number));
 }
 
 bool BQuorvelArchive::TakeReference(void* field, unsigned long long& number) {

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <mutex>
 #include <string>
+#include <type_traits>
 #include <unicode/ucnv.h>
 #include <unicode/ucnv_cb.h>
 #include <unicode/unorm2.h>
@@ -190,6 +191,9 @@ struct Converter {
     unsigned generation = ~0u;
     UConverter* conv = nullptr;
     CallbackContext context;
+    // The code page writes each ASCII character as its own byte and reads it back, as nearly
+    // all do; text of ASCII alone is then copied without a call to the converter.
+    bool asciiAsIs = false;
 
     Converter() = default;
     Converter(Converter const&) = delete;
@@ -217,13 +221,32 @@ UConverter* OpenConfigured(char const* name, CallbackContext* context) {
     return conv;
 }
 
-UConverter* ThreadConverter() {
+// Whether the converter maps the 128 ASCII characters to their own bytes and back, tried on
+// all of them in one text, which also shows up converters that escape or shift some of them.
+bool AsciiAsIs(UConverter* conv) {
+    char bytes[128];
+    UChar units[128];
+    for (int i = 0; i < 128; ++i) {
+        bytes[i] = static_cast<char>(i);
+        units[i] = static_cast<UChar>(i);
+    }
+    char narrow[512];
+    UChar wide[512];
+    UErrorCode status = U_ZERO_ERROR;
+    ucnv_reset(conv);
+    int32_t const narrowLength = ucnv_fromUChars(conv, narrow, 512, units, 128, &status);
+    int32_t const wideLength = ucnv_toUChars(conv, wide, 512, bytes, 128, &status);
+    ucnv_reset(conv);
+    return U_SUCCESS(status) && narrowLength == 128 && wideLength == 128 &&
+           std::memcmp(narrow, bytes, 128) == 0 && std::memcmp(wide, units, sizeof units) == 0;
+}
+
+// The thread's converter for the current code page, opened when needed; not reset.
+Converter* ThreadConverter() {
     Converter& c = threadConverter;
     unsigned const generation = codePageGeneration.load(std::memory_order_acquire);
-    if (c.conv != nullptr && c.generation == generation) {
-        ucnv_reset(c.conv);
-        return c.conv;
-    }
+    if (c.conv != nullptr && c.generation == generation)
+        return &c;
     std::string name;
     {
         std::lock_guard lock(codePageMutex);
@@ -233,7 +256,8 @@ UConverter* ThreadConverter() {
     if (c.conv != nullptr)
         ucnv_close(c.conv);
     c.conv = OpenConfigured(name.c_str(), &c.context);
-    return c.conv;
+    c.asciiAsIs = c.conv != nullptr && AsciiAsIs(c.conv);
+    return c.conv != nullptr ? &c : nullptr;
 }
 
 // Arguments as Windows validates them: a length of 0 or below -1, a null source, or a null
@@ -263,9 +287,21 @@ int Convert16(Convert convert, In const* src, int srcLength, Out* dst, int dstSi
         return 0;
     std::size_t const length = srcLength == -1 ? std::char_traits<In>::length(src) + 1
                                                : static_cast<std::size_t>(srcLength);
-    UConverter* conv = ThreadConverter();
-    if (conv == nullptr)
+    Converter* converter = ThreadConverter();
+    if (converter == nullptr)
         return 0;
+    if (converter->asciiAsIs && std::all_of(src, src + length, [](In unit) {
+            return static_cast<std::make_unsigned_t<In>>(unit) < 0x80;
+        })) {
+        // What the converter would do: as much as fits, and 0 when not all of it did.
+        if (dstSize == 0)
+            return length <= 0x7FFFFFFF ? static_cast<int>(length) : 0;
+        std::size_t const fits = std::min(length, static_cast<std::size_t>(dstSize));
+        std::copy(src, src + fits, dst);
+        return fits == length ? static_cast<int>(length) : 0;
+    }
+    UConverter* conv = converter->conv;
+    ucnv_reset(conv);
     In const* in = src;
     In const* const inEnd = src + length;
     if (dstSize == 0) {

@@ -308,6 +308,36 @@ TEST_F(ObjectArchive, WriteFailuresShowInIsGood) {
     EXPECT_EQ(out.WriteMemoryBlock("x", 1), 0u);
 }
 
+// Overrides of the byte transfer see every byte once the archive is constructed.
+struct CountingArchive : BQuorvelArchive {
+    using BQuorvelArchive::BQuorvelArchive;
+    unsigned long long ReadMemoryBlock(void* buffer, unsigned long long size) override {
+        unsigned long long n = BQuorvelArchive::ReadMemoryBlock(buffer, size);
+        m_bytes += n;
+        return n;
+    }
+    unsigned long long WriteMemoryBlock(void const* buffer, unsigned long long size) override {
+        unsigned long long n = BQuorvelArchive::WriteMemoryBlock(buffer, size);
+        m_bytes += n;
+        return n;
+    }
+    unsigned long long m_bytes = 0;
+};
+
+TEST_F(ObjectArchive, ADerivedArchiveSeesEveryByteThroughItsOverrides) {
+    SP<ArchiveItem> root = Item("root");
+    root->Add(Item("a"));
+    {
+        CountingArchive out(Path().c_str(), BArchive::WRITE, kName, 3);
+        out.Insert(root, "tree");
+        EXPECT_TRUE(out.Flush());
+        EXPECT_EQ(out.m_bytes, Bytes().size() - Header().size());
+    }
+    CountingArchive in(Path().c_str(), BArchive::READ, kName, 3);
+    EXPECT_TRUE(in.TakeOut("tree"));
+    EXPECT_EQ(in.m_bytes, ItemData(0, {2}, 0, "root").size() + ItemData(0, {}, 1, "a").size());
+}
+
 struct FailingWriter : BSmartObj {
     void WriteData(BArchive& archive) const override {
         archive << std::int32_t(1);
