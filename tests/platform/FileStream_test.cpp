@@ -224,6 +224,32 @@ TEST(FileStream, LineReadsAndStdioReadsTakeTurns) {
     EXPECT_TRUE(std::feof(f.get()));
 }
 
+// A line read must not take units from beside stdio while stdio still holds bytes of its own:
+// an odd byte left by a byte read, or a byte pushed back. It then reads what unit reads see.
+TEST(FileStream, LineReadsAfterAnOddByteOrAPushedBackByteSeeWhatUnitReadsSee) {
+    TempDir dir;
+    std::u16string text;
+    for (int i = 0; i < 20000; ++i) // more than stdio's buffer, so that the layer has more
+        text += u"abc\r\n";
+    WriteBytes(dir / "o.txt", Utf16File(text));
+    auto readAfter = [&](void (*disturb)(std::FILE*), bool byLines) {
+        Stream const f = OpenStream(dir / "o.txt", u"r,ccs=UTF-16LE");
+        disturb(f.get());
+        std::u16string got;
+        char16_t line[16];
+        if (byLines)
+            while (fgetws16(line, 16, f.get()))
+                got += line;
+        else
+            for (int c; (c = fgetwc16(f.get())) != kWEOF;)
+                got.push_back(static_cast<char16_t>(c));
+        return got;
+    };
+    for (auto disturb : {+[](std::FILE* f) { std::fgetc(f); },
+                         +[](std::FILE* f) { std::ungetc(std::fgetc(f), f); }})
+        EXPECT_TRUE(readAfter(disturb, true) == readAfter(disturb, false)); // no diff of such texts
+}
+
 TEST(FileStream, BadArgumentsAndMissingFiles) {
     TempDir dir;
     std::FILE* f = reinterpret_cast<std::FILE*>(1);
