@@ -4,6 +4,7 @@
 #include <qv/portable/BSmartObjBase.h>
 
 #include <qv/core/BError.h>
+#include <qv/core/Export.h>
 #include <qv/core/BSmartObj.h>
 #include <qv/core/ClassNameRegistry.h>
 #include <qv/core/GetLastErrorMessage.h>

@@ -3,7 +3,7 @@
 # (for instance --benchmark_filter=Copy).
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/deps.sh qt6-base-dev libboost-serialization-dev
+scripts/deps.sh qt6-base-dev libboost-serialization-dev libboost-dev libssl-dev gettext
 cmake --preset bench >/dev/null
 cmake --build --preset bench
 for b in build/bench/bench/*_bench; do
