@@ -78,3 +78,4 @@
 #include <qv/platform/WideFormat.h>
 #include <qv/platform/WideNumbers.h>
 #include <qv/platform/WideStream.h>
+#include <qv/platform/WindowsTypes.h>
