@@ -8,6 +8,7 @@
 #include <qv/qvcore.h>
 #include <qv/tree/BNode.h>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -105,7 +106,7 @@ void PrintTree(BNode* node, int depth) {
 
 // The road of one typical request: a measurement tree with shared objects is stored in an
 // object archive and loaded again, by name and by id.
-void StoreAndLoadTree() {
+void StoreAndLoadTree(std::filesystem::path const& samples) {
     SP<BNode> project = new BNode;
     project->SetText(u"Project");
     SP<BCalibration> left = new BCalibration(WString(u"left camera"));
@@ -119,7 +120,7 @@ void StoreAndLoadTree() {
     std::printf("\nmeasurement tree as built:\n");
     PrintTree(project, 0);
 
-    std::string path = (std::filesystem::temp_directory_path() / "qvdemo_project.qva").string();
+    std::string path = (samples / "project.qva").string();
     WString widePath = WString::FromUtf8(path);
     {
         BQuorvelArchive archive(widePath.CStr(), BArchive::WRITE, BString("class QvDemoProject"),
@@ -144,13 +145,19 @@ void StoreAndLoadTree() {
     std::printf("loaded by id \"1\": %s with %d child\n",
                 root ? WString(root->GetText()).ToUtf8().c_str() : "nothing",
                 root ? root->ChildNum() : 0);
-    std::filesystem::remove(path);
 }
 
 } // namespace
 
-int main() {
+// With a directory argument the sample files stay there for qvtool to look into; without one
+// they go to a scratch directory that is removed at the end.
+int main(int argc, char** argv) {
     std::printf("qvcore demonstration\n\n");
+    bool keep = argc > 1;
+    std::filesystem::path samples =
+        keep ? std::filesystem::path(argv[1])
+             : std::filesystem::temp_directory_path() / ("qvdemo-" + std::to_string(getpid()));
+    std::filesystem::create_directories(samples);
 
     // Objects live as long as some SP holds them; plain pointers only borrow.
     SP<BScanPoint> point = new BScanPoint(12.5, -3.25, 101.0);
@@ -205,6 +212,8 @@ int main() {
     std::printf("\n");
     std::printf("%-28s %s\n", "token 2 of \"a;b;c\":", BString("a;b;c").Token(2, ';').CStr());
 
-    StoreAndLoadTree();
+    StoreAndLoadTree(samples);
+    if (!keep)
+        std::filesystem::remove_all(samples);
     return 0;
 }

@@ -26,6 +26,7 @@
 #include <qv/core/strings/WString.h>
 
 #include <qv/persistence/BArchive.h>
+#include <qv/persistence/BArchiveInspector.h>
 #include <qv/persistence/BQuorvelArchive.h>
 #include <qv/persistence/BReadObjCallbackMap.h>
 #include <qv/persistence/Tupel.h>

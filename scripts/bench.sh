@@ -3,7 +3,8 @@
 # (for instance --benchmark_filter=Copy).
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/deps.sh qt6-base-dev libboost-serialization-dev libboost-dev libssl-dev gettext
+QV_EXTRA_PACKAGES="qt6-base-dev libboost-serialization-dev libboost-dev libssl-dev gettext" \
+  source scripts/common.sh
 cmake --preset bench >/dev/null
 cmake --build --preset bench
 for b in build/bench/bench/*_bench; do

@@ -6,7 +6,7 @@
 # Extra arguments go to every fuzzer.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/deps.sh
+source scripts/common.sh
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz
 fuzzers=(build/fuzz/fuzz/*_fuzzer)

@@ -3,6 +3,6 @@
 # suites under ThreadSanitizer.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/deps.sh
+source scripts/common.sh
 cmake --workflow --preset asan
 cmake --workflow --preset tsan

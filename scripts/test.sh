@@ -2,5 +2,5 @@
 # Builds the library and runs every test suite (Debug build).
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/deps.sh
+source scripts/common.sh
 cmake --workflow --preset test
