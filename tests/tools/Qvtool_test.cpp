@@ -1,0 +1,128 @@
+// qvtool as its users meet it: a process with arguments, output and an exit status, run on
+// files of each kind, on damaged and missing files and on bad arguments.
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+#include <qv/qvcore.h>
+#include <sstream>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Outcome {
+    int status;
+    std::string out;
+    std::string err;
+};
+
+std::string Slurp(fs::path const& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::stringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+class Qvtool : public ::testing::Test {
+protected:
+    void SetUp() override {
+        m_dir = fs::temp_directory_path() / ("qvtool-test-" + std::to_string(getpid()));
+        fs::create_directories(m_dir);
+    }
+    void TearDown() override { fs::remove_all(m_dir); }
+
+    Outcome Call(std::string const& arguments) {
+        std::string command = std::string(QV_QVTOOL) + " " + arguments + " >" +
+                              (m_dir / "out").string() + " 2>" + (m_dir / "err").string();
+        int raw = std::system(command.c_str());
+        return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, Slurp(m_dir / "out"), Slurp(m_dir / "err")};
+    }
+
+    // A tree of three nodes under the name "tree", the middle one holding an object.
+    fs::path WriteArchive(char const* name) {
+        fs::path path = m_dir / name;
+        SP<BNode> root = new BNode;
+        root->SetText(u"Project");
+        BNode* scans = root->QueryChild(u"Scans");
+        scans->QueryChild(u"Scan001");
+        BQuorvelArchive archive(path.u16string().c_str(), BArchive::WRITE,
+                                BString("class QvtoolTest"), 3);
+        archive.Insert(root, "tree");
+        return path;
+    }
+
+    fs::path m_dir;
+};
+
+TEST_F(Qvtool, ObjectArchiveInfoDumpAndCheck) {
+    fs::path archive = WriteArchive("project.qva");
+    Outcome info = Call("info " + archive.string());
+    EXPECT_EQ(info.status, 0) << info.err;
+    EXPECT_NE(info.out.find("kind: object archive"), std::string::npos) << info.out;
+    EXPECT_NE(info.out.find("records: 3"), std::string::npos) << info.out;
+
+    Outcome dump = Call("dump --json " + archive.string());
+    ASSERT_EQ(dump.status, 0) << dump.err;
+    auto document = nlohmann::json::parse(dump.out);
+    EXPECT_EQ(document["header"]["name"], "class QvtoolTest");
+    EXPECT_EQ(document["header"]["application version"], 3);
+    ASSERT_EQ(document["records"].size(), 3u);
+    EXPECT_EQ(document["records"][0]["name"], "tree");
+    EXPECT_EQ(document["records"][0]["class"], "class BNode");
+    auto const& tree = document["trees"][0]["tree"];
+    EXPECT_EQ(tree["text"], "Project");
+    EXPECT_EQ(tree["children"][0]["children"][0]["text"], "Scan001");
+
+    EXPECT_EQ(Call("check " + archive.string()).status, 0);
+}
+
+TEST_F(Qvtool, CheckNamesTheFirstBadRecord) {
+    fs::path archive = WriteArchive("damaged.qva");
+    std::string bytes = Slurp(archive);
+    // Cut the file inside the second record's data.
+    auto records = nlohmann::json::parse(Call("dump --json " + archive.string()).out)["records"];
+    long long cut = records[1]["offset"].get<long long>() + 30;
+    std::ofstream(archive, std::ios::binary | std::ios::trunc).write(bytes.data(), cut);
+
+    Outcome check = Call("check --json " + archive.string());
+    EXPECT_EQ(check.status, 1);
+    auto verdict = nlohmann::json::parse(check.out);
+    EXPECT_FALSE(verdict["sound"].get<bool>());
+    EXPECT_EQ(verdict["damage"]["record"], 2);
+    EXPECT_EQ(verdict["damage"]["offset"], records[1]["offset"]);
+}
+
+TEST_F(Qvtool, UsageErrorsAndForeignFiles) {
+    struct Case {
+        char const* name;
+        std::string arguments;
+        int status;
+        char const* message;
+    };
+    std::ofstream(m_dir / "foreign.bin", std::ios::binary)
+        .write("\x7f"
+               "ELF\0\0\0",
+               8);
+    Case const cases[] = {
+        {"missing file", "info " + (m_dir / "none.qva").string(), 2, "no such file"},
+        {"no subcommand", "", 2, "subcommand"},
+        {"unknown option", "dump --frobnicate x", 2, "frobnicate"},
+        {"foreign file", "check " + (m_dir / "foreign.bin").string(), 1, "not a file qvtool reads"},
+    };
+    for (Case const& c : cases) {
+        Outcome run = Call(c.arguments);
+        EXPECT_EQ(run.status, c.status) << c.name;
+        EXPECT_NE(run.err.find(c.message), std::string::npos) << c.name << ": " << run.err;
+    }
+    Outcome help = Call("--help");
+    EXPECT_EQ(help.status, 0);
+    for (char const* command : {"info", "dump", "check"})
+        EXPECT_NE(help.out.find(command), std::string::npos) << command;
+}
+
+} // namespace
