@@ -75,11 +75,14 @@ bool HasClassPrefix(BString const& text) {
 
 } // namespace
 
-BArchiveInspector::BArchiveInspector(char16_t const* path) {
-    Inspect(path);
+BArchiveInspector::BArchiveInspector(char16_t const* path, Progress const& progress) {
+    Inspect(path, progress);
+    if (progress)
+        progress(m_fileSize, m_fileSize); // the walk is over, wherever it stopped
 }
 
-void BArchiveInspector::Inspect(char16_t const* path) {
+void BArchiveInspector::Inspect(char16_t const* path, Progress const& progress) {
+    constexpr long long kProgressStep = 1 << 20;
     auto fail = [this](long long offset, char const* reason) {
         m_damage = WString::FromUtf8(reason);
         m_damageOffset = offset;
@@ -108,7 +111,10 @@ void BArchiveInspector::Inspect(char16_t const* path) {
         return;
     }
     m_isArchive = true;
+    long long reported = 0;
     while (in.Left() > 0) {
+        if (progress && in.Position() - reported >= kProgressStep)
+            progress(reported = in.Position(), m_fileSize);
         Record record;
         record.offset = in.Position();
         if (char const* why = in.String(record.id); why)

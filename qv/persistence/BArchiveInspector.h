@@ -9,6 +9,7 @@
 #include <qv/core/Export.h>
 #include <qv/core/strings/BString.h>
 #include <qv/core/strings/WString.h>
+#include <functional>
 #include <vector>
 
 class QV_EXPORT BArchiveInspector {
@@ -24,8 +25,12 @@ public:
         long long size = 0;       ///< bytes of object data
     };
 
-    /// Reads the file at \p path at once; the object holds no file afterwards.
-    explicit BArchiveInspector(char16_t const* path);
+    /// Told the bytes walked so far and the file's size, now and then during a walk.
+    using Progress = std::function<void(long long done, long long total)>;
+
+    /// Reads the file at \p path at once; the object holds no file afterwards. \p progress,
+    /// where given, hears of the walk about every megabyte.
+    explicit BArchiveInspector(char16_t const* path, Progress const& progress = {});
 
     /// True when the file begins with an object archive header of a known format version.
     bool IsArchive() const { return m_isArchive; }
@@ -48,7 +53,7 @@ public:
     long long FileSize() const { return m_fileSize; }
 
 private:
-    void Inspect(char16_t const* path);
+    void Inspect(char16_t const* path, Progress const& progress);
 
     BString m_name;
     int m_applicationVersion = 0;

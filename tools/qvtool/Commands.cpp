@@ -1,5 +1,6 @@
 #include "Commands.h"
 
+#include "Language.h"
 #include "ObjectArchive.h"
 
 #include <filesystem>
@@ -10,6 +11,7 @@ namespace {
 
 KindHandler const kObjectArchive = {&object_archive::Info, &object_archive::Dump,
                                     &object_archive::Check};
+KindHandler const kLanguageFile = {&language::Info, &language::Dump, &language::Check};
 
 // The kind of a file that must exist; a missing or unreadable one is a usage error.
 FileKind KindOf(std::string const& path) {

@@ -1,8 +1,18 @@
 #include "ObjectArchive.h"
 
+#include "ProgressBar.h"
+
+#include <filesystem>
+
 namespace qvtool::object_archive {
 
 namespace {
+
+BArchiveInspector Inspect(std::string const& path) {
+    std::error_code error;
+    auto size = static_cast<long long>(std::filesystem::file_size(path, error));
+    return BArchiveInspector(Wide(path).c_str(), ProgressBarFor(error ? 0 : size));
+}
 
 json Header(BArchiveInspector const& archive) {
     return {{"name", Utf8(archive.Name())},
@@ -56,7 +66,7 @@ json NodeTree(BNode const& node) {
 }
 
 json Info(std::string const& path) {
-    BArchiveInspector archive(Wide(path).c_str());
+    BArchiveInspector archive = Inspect(path);
     json info = Header(archive);
     info["records"] = archive.Records().size();
     info["sound"] = archive.IsSound();
@@ -64,7 +74,7 @@ json Info(std::string const& path) {
 }
 
 json Dump(std::string const& path) {
-    BArchiveInspector archive(Wide(path).c_str());
+    BArchiveInspector archive = Inspect(path);
     json records = json::array();
     for (auto const& record : archive.Records())
         records.push_back(RecordDocument(record));
@@ -88,7 +98,7 @@ json Dump(std::string const& path) {
 }
 
 json Check(std::string const& path) {
-    BArchiveInspector archive(Wide(path).c_str());
+    BArchiveInspector archive = Inspect(path);
     if (!archive.IsSound())
         return {{"sound", false}, {"damage", Damage(archive)}};
     // The prefixes are whole; now every record of a class this library reads must load.
