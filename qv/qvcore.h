@@ -30,6 +30,9 @@
 #include <qv/persistence/BReadObjCallbackMap.h>
 #include <qv/persistence/Tupel.h>
 
+#include <qv/profiles/BConfig.h>
+#include <qv/profiles/BConfigRegistry.h>
+
 #include <qv/tree/BAttribute.h>
 #include <qv/tree/BNode.h>
 #include <qv/tree/BNodeAnnotationItr.h>
