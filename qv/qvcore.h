@@ -32,6 +32,9 @@
 
 #include <qv/profiles/BConfig.h>
 #include <qv/profiles/BConfigRegistry.h>
+#include <qv/profiles/BVarMemBlock.h>
+#include <qv/profiles/BVariant.h>
+#include <qv/profiles/TVariant.h>
 
 #include <qv/tree/BAttribute.h>
 #include <qv/tree/BNode.h>
