@@ -39,6 +39,9 @@
 #include <qv/tree/BVisitor.h>
 #include <qv/tree/NodeListItr.h>
 
+#include <qv/profiles/BProfileMap.h>
+#include <qv/profiles/IProfile.h>
+
 #include <qv/operations/BAutoLockR.h>
 #include <qv/operations/BAutoLockW.h>
 #include <qv/operations/BAutoTryLockR.h>
@@ -70,6 +73,7 @@
 #include <qv/platform/ProcessWriteBuffers.h>
 #include <qv/platform/SlimRWLock.h>
 #include <qv/platform/SystemError.h>
+#include <qv/platform/SystemTime.h>
 #include <qv/platform/TextServices.h>
 #include <qv/platform/ThreadId.h>
 #include <qv/platform/ThreadLocalStorage.h>
