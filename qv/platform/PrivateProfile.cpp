@@ -701,7 +701,7 @@ bool Modify(char16_t const* path16, bool createIfMissing, EditFn edit) {
     } else {
         current = EmptyFile();
     }
-    Edit result = edit(*current);
+    Edit result = edit(*current, exists);
     if (!result.changed || (!exists && !createIfMissing))
         return true;
     auto fresh = std::make_shared<IniFile>();
@@ -799,10 +799,13 @@ bool WritePrivateProfileStringW(char16_t const* section, char16_t const* key, ch
     if (!section)
         return false;
     if (!key)
-        return Modify(path, false, [&](IniFile const& f) { return DeleteSection(f, section); });
+        return Modify(path, false,
+                      [&](IniFile const& f, bool) { return DeleteSection(f, section); });
     if (!value)
-        return Modify(path, false, [&](IniFile const& f) { return DeleteKey(f, section, key); });
-    return Modify(path, true, [&](IniFile const& f) { return SetValue(f, section, key, value); });
+        return Modify(path, false,
+                      [&](IniFile const& f, bool) { return DeleteKey(f, section, key); });
+    return Modify(path, true,
+                  [&](IniFile const& f, bool) { return SetValue(f, section, key, value); });
 }
 
 bool WritePrivateProfileSectionW(char16_t const* section, char16_t const* content,
@@ -810,8 +813,10 @@ bool WritePrivateProfileSectionW(char16_t const* section, char16_t const* conten
     if (!section)
         return false;
     if (!content)
-        return Modify(path, false, [&](IniFile const& f) { return DeleteSection(f, section); });
-    return Modify(path, true, [&](IniFile const& f) { return WriteSection(f, section, content); });
+        return Modify(path, false,
+                      [&](IniFile const& f, bool) { return DeleteSection(f, section); });
+    return Modify(path, true,
+                  [&](IniFile const& f, bool) { return WriteSection(f, section, content); });
 }
 
 bool WritePrivateProfileStructW(char16_t const* section, char16_t const* key, void const* data,
@@ -863,8 +868,19 @@ bool GetPrivateProfileStructW(char16_t const* section, char16_t const* key, void
     return true;
 }
 
+bool CreateUnicodePrivateProfile(char16_t const* path, bool replaceExisting) {
+    return Modify(path, true, [&](IniFile const&, bool exists) {
+        Edit edit;
+        if (replaceExisting || !exists) {
+            edit.bytes = "\xFF\xFE";
+            edit.changed = true;
+        }
+        return edit;
+    });
+}
+
 bool ConvertPrivateProfileToUnicode(char16_t const* path) {
-    return Modify(path, false, [](IniFile const& f) { return ToUnicode(f); });
+    return Modify(path, false, [](IniFile const& f, bool) { return ToUnicode(f); });
 }
 
 } // namespace qv::platform

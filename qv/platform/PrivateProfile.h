@@ -56,6 +56,10 @@ QV_EXPORT bool WritePrivateProfileStructW(char16_t const* section, char16_t cons
 /// text is not 2 * size + 2 hexadecimal digits or the checksum differs.
 QV_EXPORT bool GetPrivateProfileStructW(char16_t const* section, char16_t const* key, void* data,
                                         std::uint32_t size, char16_t const* path);
+/// Makes the file an empty UTF-16LE file (just the byte order mark), under the lock of the
+/// writes: always with replaceExisting, otherwise only when there is no file yet. False when
+/// it cannot be written.
+QV_EXPORT bool CreateUnicodePrivateProfile(char16_t const* path, bool replaceExisting);
 /// Rewrites an ANSI or UTF-8 file as UTF-16LE with a byte order mark, line feeds as CR LF, under
 /// the lock of the writes. True also for a file that is UTF-16 already or does not exist.
 QV_EXPORT bool ConvertPrivateProfileToUnicode(char16_t const* path);
