@@ -293,6 +293,9 @@ TEST_F(PrivateProfile, DamagedFilesReadWithoutHarm) {
 TEST_F(PrivateProfile, FailedWritesLeaveTheFile) {
     EXPECT_FALSE(WritePrivateProfileStringW(u"S", u"k", u"v", Path("no/dir.ini").c_str()));
     EXPECT_FALSE(WritePrivateProfileStringW(u"S", u"k", u"v", u""));
+    EXPECT_FALSE(WritePrivateProfileStringW(u"S", u"k", u"v", Path("p.ini/x.ini").c_str()));
+    EXPECT_FALSE(WritePrivateProfileStringW(u"S", u"k", u"v", m_dir.U().c_str()));
+    EXPECT_EQ(Bytes(), std::string(kProbeFile, sizeof kProbeFile - 1));
     WriteBytes(m_dir / "ro.ini", "[S]\r\nk=1\r\n");
     ::chmod((m_dir / "ro.ini").c_str(), 0444);
     if (::access((m_dir / "ro.ini").c_str(), W_OK) == 0)
