@@ -45,6 +45,13 @@
 #include <qv/tree/BVisitor.h>
 #include <qv/tree/NodeListItr.h>
 
+#include <qv/profiles/BIniProfile.h>
+#include <qv/profiles/BProfile.h>
+#include <qv/profiles/BProfileBase.h>
+#include <qv/profiles/BProfileMap.h>
+#include <qv/profiles/EProfileMode.h>
+#include <qv/profiles/IProfile.h>
+
 #include <qv/operations/BAutoLockR.h>
 #include <qv/operations/BAutoLockW.h>
 #include <qv/operations/BAutoTryLockR.h>
@@ -73,9 +80,11 @@
 #include <qv/platform/Futex.h>
 #include <qv/platform/ManualResetEvent.h>
 #include <qv/platform/PathText.h>
+#include <qv/platform/PrivateProfile.h>
 #include <qv/platform/ProcessWriteBuffers.h>
 #include <qv/platform/SlimRWLock.h>
 #include <qv/platform/SystemError.h>
+#include <qv/platform/SystemTime.h>
 #include <qv/platform/TextServices.h>
 #include <qv/platform/ThreadId.h>
 #include <qv/platform/ThreadLocalStorage.h>
