@@ -39,6 +39,9 @@
 #include <qv/tree/BVisitor.h>
 #include <qv/tree/NodeListItr.h>
 
+#include <qv/language/BLanguageMap.h>
+#include <qv/language/QVTl.h>
+
 #include <qv/operations/BAutoLockR.h>
 #include <qv/operations/BAutoLockW.h>
 #include <qv/operations/BAutoTryLockR.h>
