@@ -40,6 +40,7 @@
 #include <qv/tree/NodeListItr.h>
 
 #include <qv/language/BLanguageMap.h>
+#include <qv/language/BResId.h>
 #include <qv/language/QVTl.h>
 
 #include <qv/operations/BAutoLockR.h>
@@ -72,6 +73,7 @@
 #include <qv/platform/PathText.h>
 #include <qv/platform/ProcessWriteBuffers.h>
 #include <qv/platform/SlimRWLock.h>
+#include <qv/platform/StringResources.h>
 #include <qv/platform/SystemError.h>
 #include <qv/platform/TextServices.h>
 #include <qv/platform/ThreadId.h>
