@@ -51,6 +51,9 @@
 #include <qv/profiles/BProfileMap.h>
 #include <qv/profiles/EProfileMode.h>
 #include <qv/profiles/IProfile.h>
+#include <qv/language/BLanguageMap.h>
+#include <qv/language/BResId.h>
+#include <qv/language/QVTl.h>
 
 #include <qv/operations/BAutoLockR.h>
 #include <qv/operations/BAutoLockW.h>
@@ -83,6 +86,7 @@
 #include <qv/platform/PrivateProfile.h>
 #include <qv/platform/ProcessWriteBuffers.h>
 #include <qv/platform/SlimRWLock.h>
+#include <qv/platform/StringResources.h>
 #include <qv/platform/SystemError.h>
 #include <qv/platform/SystemTime.h>
 #include <qv/platform/TextServices.h>
