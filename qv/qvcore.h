@@ -30,10 +30,12 @@
 #include <qv/persistence/BReadObjCallbackMap.h>
 #include <qv/persistence/Tupel.h>
 
+#include <qv/profiles/BBinProfile.h>
 #include <qv/profiles/BConfig.h>
 #include <qv/profiles/BConfigRegistry.h>
 #include <qv/profiles/BVarMemBlock.h>
 #include <qv/profiles/BVariant.h>
+#include <qv/profiles/OpenProfile.h>
 #include <qv/profiles/TVariant.h>
 
 #include <qv/tree/BAttribute.h>

@@ -101,6 +101,10 @@ bool ReplaceFile(std::string const& nativePath, std::string_view bytes) {
     return true;
 }
 
+std::FILE* OpenMemoryStream(char** buffer, std::size_t* size) {
+    return ::open_memstream(buffer, size);
+}
+
 bool ReadWholeFile(std::string const& nativePath, std::string& bytes) {
     int fd = ::open(nativePath.c_str(), O_RDONLY | O_CLOEXEC);
     if (fd < 0)

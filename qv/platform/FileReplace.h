@@ -4,6 +4,8 @@
 // the old file or the new one, never a torn one, also when the writer is killed half-way.
 #pragma once
 
+#include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -46,5 +48,31 @@ bool ReplaceFile(std::string const& nativePath, std::string_view bytes);
 
 /// The whole file, or false when it cannot be read.
 bool ReadWholeFile(std::string const& nativePath, std::string& bytes);
+
+} // namespace qv::platform
+
+namespace qv::platform {
+
+/// The bytes that \p write puts into a stdio stream, collected in memory: for formats whose
+/// writers take a FILE * and whose files are then replaced whole.
+template <class Write>
+std::string WrittenBytes(Write write);
+
+/// A stdio stream that writes into memory (open_memstream). Null on failure.
+std::FILE* OpenMemoryStream(char** buffer, std::size_t* size);
+
+template <class Write>
+std::string WrittenBytes(Write write) {
+    char* buffer = nullptr;
+    std::size_t size = 0;
+    std::FILE* stream = OpenMemoryStream(&buffer, &size);
+    if (!stream)
+        return {};
+    write(stream);
+    std::fclose(stream);
+    std::string bytes(buffer, size);
+    std::free(buffer);
+    return bytes;
+}
 
 } // namespace qv::platform
