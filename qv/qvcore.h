@@ -31,6 +31,7 @@
 #include <qv/persistence/Tupel.h>
 
 #include <qv/profiles/BBinProfile.h>
+#include <qv/profiles/BCamProfile.h>
 #include <qv/profiles/BConfig.h>
 #include <qv/profiles/BConfigRegistry.h>
 #include <qv/profiles/BVarMemBlock.h>
@@ -51,6 +52,7 @@
 #include <qv/profiles/BProfile.h>
 #include <qv/profiles/BProfileBase.h>
 #include <qv/profiles/BProfileMap.h>
+#include <qv/profiles/BSensorProfile.h>
 #include <qv/profiles/EProfileMode.h>
 #include <qv/profiles/IProfile.h>
 #include <qv/language/BLanguageMap.h>
