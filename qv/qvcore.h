@@ -31,6 +31,15 @@
 #include <qv/persistence/BReadObjCallbackMap.h>
 #include <qv/persistence/Tupel.h>
 
+#include <qv/profiles/BBinProfile.h>
+#include <qv/profiles/BCamProfile.h>
+#include <qv/profiles/BConfig.h>
+#include <qv/profiles/BConfigRegistry.h>
+#include <qv/profiles/BVarMemBlock.h>
+#include <qv/profiles/BVariant.h>
+#include <qv/profiles/OpenProfile.h>
+#include <qv/profiles/TVariant.h>
+
 #include <qv/tree/BAttribute.h>
 #include <qv/tree/BNode.h>
 #include <qv/tree/BNodeAnnotationItr.h>
@@ -39,6 +48,17 @@
 #include <qv/tree/BNodeItr.h>
 #include <qv/tree/BVisitor.h>
 #include <qv/tree/NodeListItr.h>
+
+#include <qv/profiles/BIniProfile.h>
+#include <qv/profiles/BProfile.h>
+#include <qv/profiles/BProfileBase.h>
+#include <qv/profiles/BProfileMap.h>
+#include <qv/profiles/BSensorProfile.h>
+#include <qv/profiles/EProfileMode.h>
+#include <qv/profiles/IProfile.h>
+#include <qv/language/BLanguageMap.h>
+#include <qv/language/BResId.h>
+#include <qv/language/QVTl.h>
 
 #include <qv/operations/BAutoLockR.h>
 #include <qv/operations/BAutoLockW.h>
@@ -68,9 +88,12 @@
 #include <qv/platform/Futex.h>
 #include <qv/platform/ManualResetEvent.h>
 #include <qv/platform/PathText.h>
+#include <qv/platform/PrivateProfile.h>
 #include <qv/platform/ProcessWriteBuffers.h>
 #include <qv/platform/SlimRWLock.h>
+#include <qv/platform/StringResources.h>
 #include <qv/platform/SystemError.h>
+#include <qv/platform/SystemTime.h>
 #include <qv/platform/TextServices.h>
 #include <qv/platform/ThreadId.h>
 #include <qv/platform/ThreadLocalStorage.h>

@@ -1,0 +1,477 @@
+// Implementation details of BLanguageMap.
+//
+// Two std::maps ordered case-blind hold the entries, key to current text and key to default text,
+// always with the same keys. Beside them a reverse index lists, for each default text (again
+// case-blind), the keys without underscore that carry it: Add asks it whether a one-word key's
+// default text is taken already, which would otherwise be a walk over the whole map per entry
+// and make filling quadratic. TranslateBack answers the same question from the index, and walks
+// the map for every other prefix and for the current map.
+//
+// Language files are read one 16-bit unit at a time through the wide stream functions, by the
+// cell grammar: empty, plain up to a tab or line feed, or quoted with doubled quotes. The reader
+// stops at the end of the file and at a read error alike, so a damaged stream never loops.
+#include <cstdio>
+#include <qv/core/files/BFile.h>
+#include <qv/language/BLanguageMap.h>
+#include <qv/platform/FileSystem.h>
+#include <qv/platform/TextServices.h>
+#include <qv/platform/WideStream.h>
+#include <set>
+#include <string>
+#include <utility>
+
+QV_REGISTER_CLASSNAME(BLanguageMap);
+
+namespace {
+
+using qv::platform::kWEOF;
+
+constexpr char16_t kTab = u'\t';
+constexpr char16_t kLineFeed = u'\n';
+constexpr char16_t kQuote = u'"';
+constexpr unsigned short kEndOfFile = 0xFFFF;
+constexpr unsigned long long kCellsPerRecord = 3;
+constexpr char16_t kNewEntry[] = u"new entry!";
+
+SP<BLanguageMap> registered;
+
+// The end of a stream as the readers see it: the end of the file, or a read error, after which
+// nothing more arrives either.
+bool AtEnd(std::FILE* stream) {
+    return std::feof(stream) || std::ferror(stream);
+}
+
+// Directory, backslash, name: the form every language-file path takes.
+WString PathIn(WString const& directory, char16_t const* name) {
+    return directory + u"\\" + name;
+}
+
+// The names of the regular files that match directory\pattern, in the order the directory lists
+// them. Directories ("." and ".." match "*.*") are no language files and are left out.
+template <class Visit>
+bool ForEachMatchingFile(WString const& directory, WString const& pattern, Visit visit) {
+    using namespace qv::platform;
+    WIN32_FIND_DATAW found;
+    HANDLE const find = FindFirstFileW(PathIn(directory, pattern).CStr(), &found);
+    if (find == INVALID_HANDLE_VALUE)
+        return false;
+    do {
+        if (!(found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY))
+            visit(found.cFileName);
+    } while (FindNextFileW(find, &found));
+    FindClose(find);
+    return true;
+}
+
+// Collects a file's lines and writes them in large pieces: the wide write converts and locks per
+// call, which would dominate an export or a merge written cell by cell.
+class LineWriter {
+public:
+    explicit LineWriter(std::FILE* stream) : m_stream(stream) {}
+    ~LineWriter() { Flush(); }
+    LineWriter(LineWriter const&) = delete;
+    LineWriter& operator=(LineWriter const&) = delete;
+
+    LineWriter& operator<<(WString const& text) { return *this << text.CStr(); }
+    LineWriter& operator<<(char16_t const* text) {
+        m_buffer.append(text);
+        if (m_buffer.size() >= kFlushAt)
+            Flush();
+        return *this;
+    }
+
+private:
+    static constexpr std::size_t kFlushAt = 1 << 15;
+
+    void Flush() {
+        if (!m_buffer.empty())
+            qv::platform::fputws16(m_buffer.c_str(), m_stream);
+        m_buffer.clear();
+    }
+
+    std::FILE* m_stream;
+    std::u16string m_buffer;
+};
+
+} // namespace
+
+struct BLanguageMap::State {
+    bool reportMissingTranslations = false;
+    bool testMode = false;
+    Table currentMap;
+    Table defaultMap;
+    WString currentLanguage;
+    // Default text to the keys without underscore that carry it, both case-blind.
+    std::map<WString, std::set<WString, WString::ILess>, WString::ILess> oneWordKeysByDefault;
+
+    void IndexOneWordKey(WString const& key, WString const& defaultText) {
+        if (HasPrefix(key, u"$"))
+            oneWordKeysByDefault[defaultText].insert(key);
+    }
+    void UnindexOneWordKey(WString const& key, WString const& defaultText) {
+        if (!HasPrefix(key, u"$"))
+            return;
+        auto const entry = oneWordKeysByDefault.find(defaultText);
+        if (entry == oneWordKeysByDefault.end())
+            return;
+        entry->second.erase(key);
+        if (entry->second.empty())
+            oneWordKeysByDefault.erase(entry);
+    }
+};
+
+BLanguageMap::BLanguageMap() : m_state(std::make_unique<State>()) {}
+
+BLanguageMap::~BLanguageMap() = default;
+
+// ---- the map --------------------------------------------------------------------------------
+
+int BLanguageMap::Add(WString key, WString defaultText, WString text, bool replace,
+                      bool useDefault) {
+    if (!IsIdValid(key))
+        return kInvalidId;
+    State& s = *m_state;
+    int result = 0;
+    if (s.reportMissingTranslations && defaultText.IsEmpty())
+        result = kIdWithoutText;
+    auto const present = s.currentMap.find(key);
+    if (present != s.currentMap.end() && !replace)
+        return kIdNotUnique;
+    if (text.IsEmpty() && useDefault) {
+        text = defaultText;
+        if (s.reportMissingTranslations)
+            result = kIdWithoutText;
+    }
+    // With replace the key's own old entry is still indexed here and counts, as it does for a
+    // walk over the map.
+    if (HasPrefix(key, u"$") && s.oneWordKeysByDefault.contains(defaultText))
+        result = kIdNotBiunique;
+    if (present != s.currentMap.end()) {
+        auto const oldDefault = s.defaultMap.find(key);
+        s.UnindexOneWordKey(oldDefault->first, oldDefault->second);
+        s.defaultMap.erase(oldDefault);
+        s.currentMap.erase(present);
+    }
+    s.currentMap.emplace(key, std::move(text));
+    s.IndexOneWordKey(key, defaultText);
+    s.defaultMap.emplace(std::move(key), std::move(defaultText));
+    return result;
+}
+
+void BLanguageMap::Clear() {
+    m_state->currentMap.clear();
+    m_state->defaultMap.clear();
+    m_state->oneWordKeysByDefault.clear();
+}
+
+bool BLanguageMap::Includes(WString key) const {
+    return m_state->currentMap.contains(key);
+}
+
+bool BLanguageMap::Find(WString const& key, WString& text, bool current) const {
+    Table const& table = current ? m_state->currentMap : m_state->defaultMap;
+    auto const found = table.find(key);
+    if (found == table.end())
+        return false;
+    text = found->second;
+    return true;
+}
+
+WString BLanguageMap::Translate(WString text) const {
+    if (text.IsEmpty() || text[0] != u'$')
+        return text;
+    WString found;
+    if (!Find(text, found, true))
+        return text;
+    if (m_state->testMode)
+        return u"*" + found + u"*";
+    return found;
+}
+
+WString BLanguageMap::TranslateExt(WString text) const {
+    auto pos = text.Search(u'$');
+    while (pos != WString::Traits::kNotFound) {
+        auto const length = text.Length();
+        auto end = pos + 1;
+        while (end < length && IsAlNumUnderscore(text[end]))
+            ++end;
+        WString const translated = Translate(text.Sub(pos, end - pos));
+        text.ReplaceAt(translated.CStr(), pos, end - pos);
+        pos = text.Search(u'$', pos + translated.Length());
+    }
+    return text;
+}
+
+int BLanguageMap::TranslateBack(WString text, WString& keys, WString prefix,
+                                ELanguage language) const {
+    int count = 0;
+    auto const note = [&](WString const& key) {
+        if (count++ == 0)
+            keys = key;
+        else
+            keys.Append(u',').Append(key);
+    };
+    if (language == DEFAULT && prefix.Equal(u"$")) {
+        auto const entry = m_state->oneWordKeysByDefault.find(text);
+        if (entry != m_state->oneWordKeysByDefault.end())
+            for (WString const& key : entry->second)
+                note(key);
+        return count;
+    }
+    for (auto const& [key, value] : language == DEFAULT ? StdDefaultMap() : StdCurrentMap())
+        if (value.IEqual(text) && HasPrefix(key, prefix))
+            note(key);
+    return count;
+}
+
+WString BLanguageMap::CurrentLanguage() {
+    return m_state->currentLanguage;
+}
+
+void BLanguageMap::ActivateTestMode(bool on) {
+    m_state->testMode = on;
+}
+
+void BLanguageMap::SetReportMissingTranslations(bool on) {
+    m_state->reportMissingTranslations = on;
+}
+
+bool BLanguageMap::GetReportMissingTranslations() const {
+    return m_state->reportMissingTranslations;
+}
+
+BLanguageMap::Table const& BLanguageMap::StdCurrentMap() const {
+    return m_state->currentMap;
+}
+
+BLanguageMap::Table const& BLanguageMap::StdDefaultMap() const {
+    return m_state->defaultMap;
+}
+
+bool BLanguageMap::IsIdValid(WString key) {
+    if (key.IsEmpty() || key[0] != u'$')
+        return false;
+    for (char16_t const* p = key.CStr() + 1; *p; ++p)
+        if (!IsAlNumUnderscore(*p))
+            return false;
+    return true;
+}
+
+bool BLanguageMap::IsAlNumUnderscore(char16_t c) {
+    return c == u'_' || qv::platform::IsAlnumW(c);
+}
+
+bool BLanguageMap::HasPrefix(WString key, WString prefix) {
+    if (prefix.IsEmpty())
+        return true;
+    if (prefix.Equal(u"$"))
+        return !key.Includes(u'_');
+    return key.IStartsWith(prefix + u"_");
+}
+
+SP<BLanguageMap> BLanguageMap::Instance() {
+    return registered;
+}
+
+void BLanguageMap::RegisterInstance(SP<BLanguageMap> map) {
+    registered = std::move(map);
+}
+
+// ---- language files -------------------------------------------------------------------------
+
+unsigned short BLanguageMap::ReadCell(BFile& file, WString& cell) {
+    std::FILE* const stream = file;
+    if (!stream)
+        return kEndOfFile;
+    using qv::platform::fgetwc16;
+    BArray<char16_t> chars(512);
+    int c = fgetwc16(stream);
+    auto const ends = [](int unit) { return unit == kTab || unit == kLineFeed || unit == kWEOF; };
+    if (c == kQuote) {
+        // Up to the closing quote; a doubled quote is one quote. The unit behind the closing
+        // quote ends the cell whatever it is.
+        for (c = fgetwc16(stream); c != kWEOF; c = fgetwc16(stream)) {
+            if (c == kQuote && (c = fgetwc16(stream)) != kQuote)
+                break;
+            chars.Add(static_cast<char16_t>(c));
+        }
+    } else {
+        for (; !ends(c); c = fgetwc16(stream))
+            chars.Add(static_cast<char16_t>(c));
+    }
+    // CopyN stops at a zero unit, which ends the cell's text.
+    cell.CopyN(chars.Count(), chars.begin());
+    cell.ResolveEsc();
+    return static_cast<unsigned short>(c);
+}
+
+bool BLanguageMap::ReadLn(BFile& file, BArray<WString>& cells, unsigned long long count) {
+    std::FILE* const stream = file;
+    if (!stream || AtEnd(stream))
+        return false;
+    if (cells.Count() != count)
+        cells.Resize(count);
+    unsigned short end = 0;
+    for (unsigned long long i = 0; i < count; ++i) {
+        end = ReadCell(file, cells[i]);
+        if (end == kLineFeed || end == kEndOfFile) {
+            for (++i; i < count; ++i)
+                cells[i].Clear();
+            break;
+        }
+    }
+    if (count > 0 && end == kTab)
+        SkipLn(file);
+    return true;
+}
+
+unsigned short BLanguageMap::SkipLn(BFile& file) {
+    std::FILE* const stream = file;
+    if (!stream)
+        return kEndOfFile;
+    enum { CellStart, Plain, Quoted } state = CellStart;
+    for (;;) {
+        int const c = qv::platform::fgetwc16(stream);
+        if (c == kWEOF || (c == kLineFeed && state != Quoted))
+            return static_cast<unsigned short>(c);
+        if (state == CellStart)
+            state = c == kQuote ? Quoted : c == kTab ? CellStart : Plain;
+        else if (state == Plain && c == kTab)
+            state = CellStart;
+        else if (state == Quoted && c == kQuote)
+            state = Plain;
+    }
+}
+
+int BLanguageMap::ImportMapFile(WString path, WString* report, bool replace, bool useDefault) {
+    if (report)
+        report->Append(u"Import Language File ").Append(path).Append(kLineFeed);
+    BFile file;
+    if (!file.OpenShared(path, u"r,ccs=UTF-16LE"))
+        return 1;
+    int result = 0;
+    long long lines = 0, entries = 0;
+    BArray<WString> cells;
+    while (ReadLn(file, cells, kCellsPerRecord)) {
+        ++lines;
+        if (cells[0].IsEmpty() || cells[0][0] != u'$')
+            continue;
+        int const answer = Add(cells[0], cells[1], cells[2], replace, useDefault);
+        ++entries;
+        if (answer == 0)
+            continue;
+        result = kImportError;
+        if (report)
+            report->Append(u"Line ")
+                .Append(WString::FromInt(lines))
+                .Append(u" : Error ")
+                .Append(WString::FromInt(answer))
+                .Append(u" [")
+                .Append(cells[0])
+                .Append(u"] [")
+                .Append(cells[1])
+                .Append(u"] [")
+                .Append(cells[2])
+                .Append(u"]\n");
+    }
+    if (report)
+        report->Append(WString::FromInt(entries)).Append(u" entries loaded\n\n");
+    return result;
+}
+
+int BLanguageMap::ImportMapFiles(WString directory, WString pattern, WString* report,
+                                 bool replace) {
+    int result = 0;
+    bool const found = ForEachMatchingFile(directory, pattern, [&](char16_t const* name) {
+        if (int const r = ImportMapFile(PathIn(directory, name), report, replace, true))
+            result = r;
+    });
+    if (!found)
+        return kNoFileMatches;
+    // The language is the directory's last component; both separators count, so a path
+    // written on either system names the same language, and a trailing one gives none.
+    auto const length = directory.Length();
+    auto start = length;
+    while (start > 0 && directory[start - 1] != u'\\' && directory[start - 1] != u'/')
+        --start;
+    m_state->currentLanguage = directory.Sub(start);
+    return result;
+}
+
+int BLanguageMap::ExportMapFile(WString path) const {
+    BFile file;
+    if (!file.Open(path, u"wt,ccs=UTF-16LE"))
+        return kCannotCreateFile;
+    LineWriter out(file);
+    // The second cell stays empty: the file carries the key and the current language's text.
+    for (auto const& [key, text] : StdCurrentMap())
+        out << key << u"\t\t" << text << u"\n";
+    return 0;
+}
+
+void BLanguageMap::ReplaceControlChars(WString& text) {
+    text.Replace(u"\n", u"\\n");
+    text.Replace(u"\r", u"\\r");
+    text.Replace(u"\t", u"\\t");
+}
+
+// ---- merge ----------------------------------------------------------------------------------
+
+int BLanguageMap::MergeMapFile(WString const& referenceDirectory,
+                               WString const& translationDirectory, WString const& targetDirectory,
+                               WString const& fileName, int& newEntries) {
+    BFile reference;
+    if (!reference.Open(PathIn(referenceDirectory, fileName), u"r,ccs=UTF-16LE"))
+        return kMergeCannotOpenReference;
+    BFile target;
+    if (!target.Open(PathIn(targetDirectory, fileName), u"wt,ccs=UTF-16LE"))
+        return kMergeCannotCreateTarget;
+    // A translation that can't be read is an empty one: every key is new.
+    BLanguageMap translation;
+    translation.ImportMapFile(PathIn(translationDirectory, fileName), nullptr, false, true);
+
+    LineWriter out(target);
+    BArray<WString> cells;
+    WString text;
+    auto const escaped = [](WString cell) {
+        ReplaceControlChars(cell);
+        return cell;
+    };
+    while (ReadLn(reference, cells, kCellsPerRecord)) {
+        WString const& first = cells[0];
+        if (first.IsEmpty()) {
+            out << u"\t\t";
+        } else if (first[0] != u'$') {
+            // A comment line keeps its non-empty cells, so an empty second cell moves the third
+            // forward.
+            out << escaped(first);
+            for (unsigned long long i = 1; i < kCellsPerRecord; ++i)
+                if (!cells[i].IsEmpty())
+                    out << u"\t" << escaped(cells[i]);
+        } else if (translation.Find(first, text, true)) {
+            out << first << u"\t" << escaped(cells[1]) << u"\t" << escaped(text);
+        } else {
+            out << first << u"\t" << escaped(cells[1]) << u"\t\t" << kNewEntry;
+            ++newEntries;
+        }
+        out << u"\n";
+    }
+    return 0;
+}
+
+int BLanguageMap::MergeMapFiles(WString const& referenceDirectory,
+                                WString const& translationDirectory, WString const& targetDirectory,
+                                WString const& fileName, int& newEntries) {
+    newEntries = 0;
+    if (!BFile::Exist(referenceDirectory))
+        return kMergeNoReferenceDirectory;
+    if (!BFile::Exist(translationDirectory))
+        return kMergeNoTranslationDirectory;
+    int result = 0;
+    bool const found = ForEachMatchingFile(referenceDirectory, fileName, [&](char16_t const* name) {
+        if (int const r = MergeMapFile(referenceDirectory, translationDirectory, targetDirectory,
+                                       name, newEntries))
+            result = r;
+    });
+    return found ? result : kMergeNoFileMatches;
+}

@@ -1,0 +1,886 @@
+#include <qv/platform/PrivateProfile.h>
+
+// Implementation details of the ini engine.
+//
+// Parsing. A file is kept as its bytes plus a table of lines (byte offsets of a line's start,
+// of the end of its content and of the next line) and the sections and keys found in them.
+// Lines end at LF, CR or CR LF, counted in units of the file's encoding (one byte, or two for
+// UTF-16). Each line is decoded on its own and classified: "[name]" (up to the last ']'),
+// an entry "name=value", a valueless name, a comment (';'), or blank. Entries ahead of the
+// first header belong to no section. Names are folded (per-unit upper case over all of
+// Unicode) into hash indexes; the first section and the first key of a name win.
+//
+// Cache. One parsed copy per path, shared and immutable, stamped with the identity of the
+// file it was read from (device, inode, size, modification and change times). A read stats the
+// path and reuses the copy while the stamp matches; a write replaces the file by rename, which
+// gives it a new inode, so the next stat of any process sees the change.
+//
+// Writes. Under an exclusive flock on a lock file beside the ini file (".name.lock", never
+// removed), the current copy is validated by its stamp and by a change counter that every
+// writer increments inside the lock file, so that a writer never edits stale content. The edit
+// splices new lines into the bytes, the result goes to a temporary file in the same folder,
+// which then replaces the file by rename. A kill at any point leaves the old or the new file.
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <memory>
+#include <mutex>
+#include <qv/platform/CodePage.h>
+#include <qv/platform/PathText.h>
+#include <qv/platform/TextServices.h>
+#include <random>
+#include <string>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <unordered_map>
+#include <vector>
+
+namespace qv::platform {
+namespace {
+
+// Limits that keep a damaged or hostile file bounded in what it costs.
+constexpr std::size_t kMaxCachedFiles = 64;
+
+enum class Encoding { Ansi, Utf8, Utf16 };
+
+struct Line {
+    std::size_t begin;      // first byte of the content
+    std::size_t contentEnd; // byte after the content, before the line end
+    std::size_t next;       // first byte of the next line
+};
+
+enum class Kind { Entry, Valueless, Comment };
+
+struct Key {
+    std::u16string name;  // trimmed
+    std::u16string value; // trimmed, quotes kept
+    Kind kind;
+    std::size_t line;
+};
+
+struct Section {
+    std::u16string name;
+    std::size_t header; // line index
+    std::size_t end;    // line index of the next header, or the line count
+    std::vector<Key> keys;
+    std::unordered_map<std::u16string, std::size_t> index; // folded name -> first key
+};
+
+struct IniFile {
+    Encoding encoding = Encoding::Ansi;
+    std::size_t bodyStart = 0; // bytes of the byte order mark
+    std::string bytes;
+    std::vector<Line> lines;
+    std::vector<Section> sections;
+    std::unordered_map<std::u16string, std::size_t> index; // folded name -> first section
+
+    Section const* Find(std::u16string const& folded) const {
+        auto const it = index.find(folded);
+        return it == index.end() ? nullptr : &sections[it->second];
+    }
+};
+
+bool IsBlank(char16_t c) {
+    return IsSpaceW(c);
+}
+
+std::u16string_view Trim(std::u16string_view text) {
+    while (!text.empty() && IsBlank(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && IsBlank(text.back()))
+        text.remove_suffix(1);
+    return text;
+}
+
+std::u16string Fold(std::u16string_view text) {
+    std::u16string folded(text);
+    for (char16_t& c : folded)
+        c = c < 0x80 ? (c >= u'a' && c <= u'z' ? static_cast<char16_t>(c - 32) : c) : ToUpperW(c);
+    return folded;
+}
+
+std::u16string FoldName(char16_t const* name) {
+    return Fold(Trim(name ? std::u16string_view(name) : std::u16string_view()));
+}
+
+// ---- Encoding ------------------------------------------------------------------------------
+
+std::u16string Decode(Encoding encoding, char const* data, std::size_t n) {
+    switch (encoding) {
+    case Encoding::Utf16: {
+        std::u16string text(n / 2, u'\0');
+        for (std::size_t i = 0; i < text.size(); ++i)
+            text[i] = static_cast<char16_t>(static_cast<unsigned char>(data[2 * i]) |
+                                            static_cast<unsigned char>(data[2 * i + 1]) << 8);
+        return text;
+    }
+    case Encoding::Utf8:
+        return Utf8ToUtf16(std::string_view(data, n));
+    case Encoding::Ansi:
+        break;
+    }
+    if (n == 0 || n > static_cast<std::size_t>(INT_MAX))
+        return {};
+    int const length = MultiByteToWideChar(data, static_cast<int>(n), nullptr, 0);
+    std::u16string text(static_cast<std::size_t>(length), u'\0');
+    MultiByteToWideChar(data, static_cast<int>(n), text.data(), length);
+    return text;
+}
+
+std::string Encode(Encoding encoding, std::u16string_view text) {
+    switch (encoding) {
+    case Encoding::Utf16: {
+        std::string bytes(text.size() * 2, '\0');
+        for (std::size_t i = 0; i < text.size(); ++i) {
+            bytes[2 * i] = static_cast<char>(text[i] & 0xFF);
+            bytes[2 * i + 1] = static_cast<char>(text[i] >> 8);
+        }
+        return bytes;
+    }
+    case Encoding::Utf8:
+        return Utf16ToUtf8(text);
+    case Encoding::Ansi:
+        break;
+    }
+    if (text.empty() || text.size() > static_cast<std::size_t>(INT_MAX) / 4)
+        return {};
+    int const n = static_cast<int>(text.size());
+    int const length = WideCharToMultiByte(text.data(), n, nullptr, 0);
+    std::string bytes(static_cast<std::size_t>(length), '\0');
+    WideCharToMultiByte(text.data(), n, bytes.data(), length);
+    return bytes;
+}
+
+// ---- Parsing -------------------------------------------------------------------------------
+
+void SplitLines(IniFile& file) {
+    std::size_t const unit = file.encoding == Encoding::Utf16 ? 2 : 1;
+    std::string const& b = file.bytes;
+    std::size_t const end = file.bodyStart + (b.size() - file.bodyStart) / unit * unit;
+    auto at = [&](std::size_t i) {
+        return unit == 1 ? static_cast<unsigned char>(b[i])
+                         : static_cast<unsigned>(static_cast<unsigned char>(b[i]) |
+                                                 static_cast<unsigned char>(b[i + 1]) << 8);
+    };
+    std::size_t pos = file.bodyStart;
+    while (pos < end) {
+        std::size_t i = pos;
+        while (i < end && at(i) != u'\n' && at(i) != u'\r')
+            i += unit;
+        std::size_t next = i;
+        if (next < end) {
+            bool const cr = at(next) == u'\r';
+            next += unit;
+            if (cr && next < end && at(next) == u'\n')
+                next += unit;
+        }
+        file.lines.push_back({pos, i, next});
+        pos = next;
+    }
+}
+
+void Parse(IniFile& file) {
+    std::string const& b = file.bytes;
+    if (b.size() >= 2 && b[0] == '\xFF' && b[1] == '\xFE') {
+        file.encoding = Encoding::Utf16;
+        file.bodyStart = 2;
+    } else if (b.size() >= 3 && b.compare(0, 3, "\xEF\xBB\xBF") == 0) {
+        file.encoding = Encoding::Utf8;
+        file.bodyStart = 3;
+    }
+    SplitLines(file);
+    Section* current = nullptr;
+    for (std::size_t i = 0; i < file.lines.size(); ++i) {
+        Line const& line = file.lines[i];
+        std::u16string const decoded =
+            Decode(file.encoding, b.data() + line.begin, line.contentEnd - line.begin);
+        std::u16string_view const text = Trim(decoded);
+        if (!text.empty() && text.front() == u'[') {
+            std::size_t const close = text.rfind(u']');
+            if (close == std::u16string_view::npos)
+                continue; // neither header nor entry
+            if (current)
+                current->end = i;
+            std::u16string name(Trim(text.substr(1, close - 1)));
+            std::u16string folded = Fold(name);
+            file.index.emplace(std::move(folded), file.sections.size());
+            file.sections.push_back({std::move(name), i, file.lines.size(), {}, {}});
+            current = &file.sections.back();
+            continue;
+        }
+        if (!current || text.empty())
+            continue;
+        Key key;
+        key.line = i;
+        std::size_t const eq = text.find(u'=');
+        if (eq == std::u16string_view::npos) {
+            key.name = text;
+            key.kind = Kind::Valueless;
+        } else {
+            key.name = Trim(text.substr(0, eq));
+            key.value = Trim(text.substr(eq + 1));
+            key.kind = Kind::Entry;
+        }
+        if (text.front() == u';')
+            key.kind = Kind::Comment;
+        current->index.emplace(Fold(key.name), current->keys.size());
+        current->keys.push_back(std::move(key));
+    }
+}
+
+// ---- Identity and cache --------------------------------------------------------------------
+
+struct Stamp {
+    dev_t dev = 0;
+    ino_t ino = 0;
+    off_t size = -1;
+    long long mtime = 0;
+    long long ctime = 0;
+    bool operator==(Stamp const&) const = default;
+};
+
+Stamp StampOf(struct stat const& st) {
+    return {st.st_dev, st.st_ino, st.st_size,
+            static_cast<long long>(st.st_mtim.tv_sec) * 1000000000LL + st.st_mtim.tv_nsec,
+            static_cast<long long>(st.st_ctim.tv_sec) * 1000000000LL + st.st_ctim.tv_nsec};
+}
+
+struct CacheEntry {
+    Stamp stamp;
+    std::uint64_t counter = ~0ull; // the writers' change counter it was read at, if known
+    std::shared_ptr<IniFile const> file;
+};
+
+std::mutex g_cacheMutex;
+std::unordered_map<std::string, CacheEntry>& Cache() {
+    static auto* cache = new std::unordered_map<std::string, CacheEntry>();
+    return *cache;
+}
+
+std::shared_ptr<IniFile const> const& EmptyFile() {
+    static auto const* empty = new std::shared_ptr<IniFile const>(std::make_shared<IniFile>());
+    return *empty;
+}
+
+void Remember(std::string const& path, CacheEntry entry) {
+    std::lock_guard lock(g_cacheMutex);
+    auto& cache = Cache();
+    if (cache.size() >= kMaxCachedFiles && !cache.contains(path))
+        cache.clear();
+    cache[path] = std::move(entry);
+}
+
+// Reads and parses the file; null with errno when it cannot be opened or read.
+std::shared_ptr<IniFile const> ReadFile(std::string const& path, Stamp& stamp) {
+    int const fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0)
+        return nullptr;
+    struct stat st;
+    auto file = std::make_shared<IniFile>();
+    bool ok = ::fstat(fd, &st) == 0 && S_ISREG(st.st_mode);
+    if (ok) {
+        stamp = StampOf(st);
+        file->bytes.resize(static_cast<std::size_t>(st.st_size));
+        std::size_t got = 0;
+        while (got < file->bytes.size()) {
+            ssize_t const n = ::read(fd, file->bytes.data() + got, file->bytes.size() - got);
+            if (n < 0 && errno == EINTR)
+                continue;
+            if (n <= 0)
+                break;
+            got += static_cast<std::size_t>(n);
+        }
+        file->bytes.resize(got);
+    }
+    ::close(fd);
+    if (!ok)
+        return nullptr;
+    Parse(*file);
+    return file;
+}
+
+// The parsed file for reading: the cached copy while the file's stamp matches, else a fresh
+// parse. A missing or unreadable file is an empty one.
+std::shared_ptr<IniFile const> Load(char16_t const* path16) {
+    if (!path16 || !*path16)
+        return EmptyFile();
+    std::string const path = NativePath(path16);
+    struct stat st;
+    if (::stat(path.c_str(), &st) != 0)
+        return EmptyFile();
+    Stamp const now = StampOf(st);
+    {
+        std::lock_guard lock(g_cacheMutex);
+        auto const it = Cache().find(path);
+        if (it != Cache().end() && it->second.stamp == now)
+            return it->second.file;
+    }
+    Stamp stamp;
+    auto file = ReadFile(path, stamp);
+    if (!file)
+        return EmptyFile();
+    Remember(path, {stamp, ~0ull, file});
+    return file;
+}
+
+// ---- Reading -------------------------------------------------------------------------------
+
+std::u16string_view Unquoted(std::u16string_view value) {
+    if (value.size() >= 2 && (value.front() == u'"' || value.front() == u'\'') &&
+        value.back() == value.front())
+        return value.substr(1, value.size() - 2);
+    return value;
+}
+
+Key const* FindKey(IniFile const& file, char16_t const* section, char16_t const* key) {
+    Section const* s = file.Find(FoldName(section));
+    if (!s)
+        return nullptr;
+    auto const it = s->index.find(FoldName(key));
+    return it == s->index.end() ? nullptr : &s->keys[it->second];
+}
+
+// The value form: cut to size - 1 and terminated.
+std::uint32_t CopyValue(std::u16string_view text, char16_t* buffer, std::uint32_t size) {
+    if (!buffer || size == 0)
+        return 0;
+    std::size_t const n = std::min<std::size_t>(text.size(), size - 1);
+    std::copy_n(text.data(), n, buffer);
+    buffer[n] = 0;
+    return static_cast<std::uint32_t>(n);
+}
+
+// The list forms: each item terminated, one more terminator at the end. A list that does not
+// fit ends with two terminators and gives size - 2; wholeItems keeps only the items that fit
+// completely, otherwise the text is cut anywhere.
+std::uint32_t CopyList(std::vector<std::u16string_view> const& items, bool wholeItems,
+                       char16_t* buffer, std::uint32_t size) {
+    if (!buffer || size == 0)
+        return 0;
+    std::size_t total = 0;
+    for (auto const& item : items)
+        total += item.size() + 1;
+    if (total + 1 <= size) {
+        for (auto const& item : items) {
+            buffer = std::copy(item.begin(), item.end(), buffer);
+            *buffer++ = 0;
+        }
+        *buffer = 0;
+        return static_cast<std::uint32_t>(total);
+    }
+    if (size < 2) {
+        buffer[0] = 0;
+        return 0;
+    }
+    std::size_t const room = size - 2;
+    std::size_t pos = 0;
+    for (auto const& item : items) {
+        if (pos + item.size() + 1 <= room) {
+            std::copy(item.begin(), item.end(), buffer + pos);
+            pos += item.size();
+            buffer[pos++] = 0;
+            continue;
+        }
+        if (!wholeItems) {
+            std::size_t const n = std::min(item.size(), room - pos);
+            std::copy_n(item.data(), n, buffer + pos);
+            pos += n;
+        }
+        break;
+    }
+    std::fill(buffer + pos, buffer + size, u'\0');
+    return static_cast<std::uint32_t>(room);
+}
+
+std::vector<std::u16string_view> KeyNames(IniFile const& file, char16_t const* section) {
+    std::vector<std::u16string_view> names;
+    if (Section const* s = file.Find(FoldName(section)))
+        for (Key const& key : s->keys)
+            if (key.kind == Kind::Entry)
+                names.emplace_back(key.name);
+    return names;
+}
+
+// ---- Writing -------------------------------------------------------------------------------
+
+// An edit of the file's bytes: the new content, or nullopt-like false when nothing changes.
+struct Edit {
+    std::string bytes;
+    bool changed = false;
+};
+
+class Writer {
+public:
+    Writer(IniFile const& file) : m_file(file), m_bytes(file.bytes) {
+        // A stray last byte of a UTF-16 file belongs to no unit: it goes with the first edit.
+        if (file.encoding == Encoding::Utf16 && (m_bytes.size() - file.bodyStart) % 2)
+            m_bytes.pop_back();
+    }
+
+    std::string Text(std::u16string_view text) const { return Encode(m_file.encoding, text); }
+    std::string Eol() const { return Text(u"\r\n"); }
+
+    // Replaces bytes [from, to) by text; edits must come in falling order of position.
+    void Splice(std::size_t from, std::size_t to, std::string const& text) {
+        from = std::min(from, m_bytes.size());
+        to = std::min(to, m_bytes.size());
+        m_bytes.replace(from, to - from, text);
+        m_changed = true;
+    }
+
+    // Where a new line goes at the end of the file, with the line end that the last line
+    // lacks.
+    std::string AtEnd(std::string text) const {
+        if (!m_file.lines.empty() && m_file.lines.back().next == m_file.lines.back().contentEnd)
+            text.insert(0, Eol());
+        return text;
+    }
+
+    Edit Done() { return {std::move(m_bytes), m_changed}; }
+
+private:
+    IniFile const& m_file;
+    std::string m_bytes;
+    bool m_changed = false;
+};
+
+Edit SetValue(IniFile const& file, char16_t const* section, char16_t const* key,
+              char16_t const* value) {
+    Writer w(file);
+    std::u16string_view const v(value);
+    Section const* s = file.Find(FoldName(section));
+    if (!s) {
+        std::u16string text = u"[" + std::u16string(section) + u"]\r\n" + std::u16string(key) +
+                              u"=" + std::u16string(v) + u"\r\n";
+        w.Splice(file.bytes.size(), file.bytes.size(), w.AtEnd(w.Text(text)));
+        return w.Done();
+    }
+    auto const it = s->index.find(FoldName(key));
+    if (it != s->index.end()) {
+        Line const& line = file.lines[s->keys[it->second].line];
+        std::u16string const old =
+            Decode(file.encoding, file.bytes.data() + line.begin, line.contentEnd - line.begin);
+        std::size_t const eq = old.find(u'=');
+        std::u16string text =
+            eq == std::u16string::npos ? std::u16string(Trim(old)) + u"=" : old.substr(0, eq + 1);
+        text += v;
+        w.Splice(line.begin, line.contentEnd, w.Text(text));
+        return w.Done();
+    }
+    // A new key goes behind the last line of the section that holds one, else behind the
+    // header; blank lines and the next section stay behind it.
+    std::size_t const after = s->keys.empty() ? s->header : s->keys.back().line;
+    Line const& line = file.lines[after];
+    std::string text = w.Text(std::u16string(key) + u"=" + std::u16string(v)) + w.Eol();
+    if (line.next == line.contentEnd)
+        text.insert(0, w.Eol());
+    w.Splice(line.next, line.next, text);
+    return w.Done();
+}
+
+Edit DeleteKey(IniFile const& file, char16_t const* section, char16_t const* key) {
+    Writer w(file);
+    Section const* s = file.Find(FoldName(section));
+    if (s) {
+        auto const it = s->index.find(FoldName(key));
+        if (it != s->index.end()) {
+            Line const& line = file.lines[s->keys[it->second].line];
+            w.Splice(line.begin, line.next, std::string());
+        }
+    }
+    return w.Done();
+}
+
+// The byte range of a section, its header included, up to the next header.
+std::pair<std::size_t, std::size_t> RangeOf(IniFile const& file, Section const& s) {
+    std::size_t const from = file.lines[s.header].begin;
+    std::size_t const to = s.end < file.lines.size() ? file.lines[s.end].begin : file.bytes.size();
+    return {from, to};
+}
+
+// Every section of the name goes, with its lines up to the next header.
+Edit DeleteSection(IniFile const& file, char16_t const* section) {
+    Writer w(file);
+    std::u16string const folded = FoldName(section);
+    for (auto s = file.sections.rbegin(); s != file.sections.rend(); ++s) {
+        if (Fold(s->name) != folded)
+            continue;
+        auto const [from, to] = RangeOf(file, *s);
+        w.Splice(from, to, std::string());
+    }
+    return w.Done();
+}
+
+// The section's lines between its header and the next header give way to content; a missing
+// section is added at the end.
+Edit WriteSection(IniFile const& file, char16_t const* section, char16_t const* content) {
+    Writer w(file);
+    std::u16string lines;
+    for (char16_t const* p = content; *p; p += std::char_traits<char16_t>::length(p) + 1)
+        lines += std::u16string(p) + u"\r\n";
+    Section const* s = file.Find(FoldName(section));
+    if (!s) {
+        std::u16string const text = u"[" + std::u16string(section) + u"]\r\n" + lines;
+        w.Splice(file.bytes.size(), file.bytes.size(), w.AtEnd(w.Text(text)));
+        return w.Done();
+    }
+    Line const& header = file.lines[s->header];
+    auto const [from, to] = RangeOf(file, *s);
+    std::string text = w.Text(lines);
+    if (header.next == header.contentEnd)
+        text.insert(0, w.Eol());
+    w.Splice(header.next, to, text);
+    (void)from;
+    return w.Done();
+}
+
+// The whole text in UTF-16LE with a byte order mark, as the runtime's text mode would write
+// it: every line feed preceded by a carriage return.
+Edit ToUnicode(IniFile const& file) {
+    Edit edit;
+    if (file.encoding == Encoding::Utf16)
+        return edit;
+    std::u16string const text = Decode(file.encoding, file.bytes.data() + file.bodyStart,
+                                       file.bytes.size() - file.bodyStart);
+    std::u16string out;
+    out.reserve(text.size() + text.size() / 16);
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == u'\n' && (i == 0 || text[i - 1] != u'\r'))
+            out += u'\r';
+        out += text[i];
+    }
+    edit.bytes = "\xFF\xFE" + Encode(Encoding::Utf16, out);
+    edit.changed = true;
+    return edit;
+}
+
+// ---- The lock, the counter and the replacement ---------------------------------------------
+
+std::string LockPathOf(std::string const& path) {
+    std::size_t const slash = path.rfind('/');
+    std::size_t const start = slash == std::string::npos ? 0 : slash + 1;
+    return path.substr(0, start) + "." + path.substr(start) + ".lock";
+}
+
+class FileLock {
+public:
+    explicit FileLock(std::string const& path) {
+        m_fd = ::open(LockPathOf(path).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+        if (m_fd < 0)
+            return;
+        while (::flock(m_fd, LOCK_EX) != 0) {
+            if (errno != EINTR) {
+                ::close(m_fd);
+                m_fd = -1;
+                return;
+            }
+        }
+    }
+    ~FileLock() {
+        if (m_fd >= 0)
+            ::close(m_fd); // closing releases the flock
+    }
+    FileLock(FileLock const&) = delete;
+    FileLock& operator=(FileLock const&) = delete;
+
+    bool Held() const { return m_fd >= 0; }
+    std::uint64_t Counter() const {
+        std::uint64_t value = 0;
+        if (::pread(m_fd, &value, sizeof value, 0) != static_cast<ssize_t>(sizeof value))
+            value = 0;
+        return value;
+    }
+    void SetCounter(std::uint64_t value) const {
+        [[maybe_unused]] ssize_t const n = ::pwrite(m_fd, &value, sizeof value, 0);
+    }
+
+private:
+    int m_fd = -1;
+};
+
+// The file that the name stands for: a symbolic link is followed, so that the rename replaces
+// the file it points to and the link stays.
+std::string Target(std::string const& path) {
+    struct stat st;
+    if (::lstat(path.c_str(), &st) == 0 && S_ISLNK(st.st_mode)) {
+        if (char* real = ::realpath(path.c_str(), nullptr)) {
+            std::string resolved(real);
+            std::free(real);
+            return resolved;
+        }
+    }
+    return path;
+}
+
+bool WriteAll(int fd, std::string const& bytes) {
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+        ssize_t const n = ::write(fd, bytes.data() + done, bytes.size() - done);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            return false;
+        done += static_cast<std::size_t>(n);
+    }
+    return true;
+}
+
+// Writes bytes to a fresh file beside path and renames it over path. The stamp of the new
+// file comes back for the cache.
+bool Replace(std::string const& path, std::string const& bytes, mode_t mode, Stamp& stamp) {
+    static std::atomic<unsigned> sequence{0};
+    thread_local std::minstd_rand random(std::random_device{}());
+    std::size_t const slash = path.rfind('/');
+    std::size_t const start = slash == std::string::npos ? 0 : slash + 1;
+    std::string temp;
+    int fd = -1;
+    for (int attempt = 0; attempt < 16 && fd < 0; ++attempt) {
+        temp = path.substr(0, start) + "." + path.substr(start) + "." + std::to_string(::getpid()) +
+               "-" + std::to_string(sequence++) + "-" + std::to_string(random()) + ".tmp";
+        fd = ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+        if (fd < 0 && errno != EEXIST)
+            return false;
+    }
+    if (fd < 0)
+        return false;
+    struct stat st;
+    bool ok = WriteAll(fd, bytes) && ::fstat(fd, &st) == 0;
+    ok = ::close(fd) == 0 && ok;
+    if (ok)
+        ok = ::rename(temp.c_str(), path.c_str()) == 0;
+    if (!ok) {
+        ::unlink(temp.c_str());
+        return false;
+    }
+    // The rename changes the change time of the file, so the stamp is taken again.
+    if (::stat(path.c_str(), &st) != 0)
+        return false;
+    stamp = StampOf(st);
+    return true;
+}
+
+// Runs one edit under the lock: the current content (validated by stamp and counter, else read
+// again), the edit, the replacement, the cache. True when the edit changed nothing or its
+// result is on disk.
+template <class EditFn>
+bool Modify(char16_t const* path16, bool createIfMissing, EditFn edit) {
+    if (!path16 || !*path16)
+        return false;
+    std::string const path = Target(NativePath(path16));
+    FileLock lock(path);
+    if (!lock.Held())
+        return false;
+    std::uint64_t const counter = lock.Counter();
+    std::shared_ptr<IniFile const> current;
+    struct stat st;
+    bool const exists = ::stat(path.c_str(), &st) == 0;
+    mode_t mode = 0666;
+    if (exists) {
+        if (!S_ISREG(st.st_mode) || ::access(path.c_str(), W_OK) != 0)
+            return false;
+        mode = st.st_mode & 07777;
+        Stamp const now = StampOf(st);
+        {
+            std::lock_guard guard(g_cacheMutex);
+            auto const it = Cache().find(path);
+            if (it != Cache().end() && it->second.stamp == now && it->second.counter == counter)
+                current = it->second.file;
+        }
+        if (!current) {
+            Stamp stamp;
+            current = ReadFile(path, stamp);
+            if (!current)
+                return false;
+        }
+    } else {
+        current = EmptyFile();
+    }
+    Edit result = edit(*current, exists);
+    if (!result.changed || (!exists && !createIfMissing))
+        return true;
+    auto fresh = std::make_shared<IniFile>();
+    fresh->bytes = std::move(result.bytes);
+    Parse(*fresh);
+    Stamp stamp;
+    if (!Replace(path, fresh->bytes, mode, stamp))
+        return false;
+    lock.SetCounter(counter + 1);
+    Remember(path, {stamp, counter + 1, std::move(fresh)});
+    return true;
+}
+
+std::u16string_view DefaultText(char16_t const* defaultValue) {
+    std::u16string_view text = defaultValue ? defaultValue : u"";
+    while (!text.empty() && IsBlank(text.back()))
+        text.remove_suffix(1);
+    return text;
+}
+
+int HexDigit(char16_t c) {
+    if (c >= u'0' && c <= u'9')
+        return c - u'0';
+    if (c >= u'a' && c <= u'f')
+        return c - u'a' + 10;
+    if (c >= u'A' && c <= u'F')
+        return c - u'A' + 10;
+    return -1;
+}
+
+} // namespace
+
+std::uint32_t GetPrivateProfileStringW(char16_t const* section, char16_t const* key,
+                                       char16_t const* defaultValue, char16_t* buffer,
+                                       std::uint32_t size, char16_t const* path) {
+    if (!section)
+        return GetPrivateProfileSectionNamesW(buffer, size, path);
+    auto const file = Load(path);
+    if (!key)
+        return CopyList(KeyNames(*file, section), false, buffer, size);
+    Key const* found = FindKey(*file, section, key);
+    if (found && found->kind != Kind::Valueless)
+        return CopyValue(Unquoted(found->value), buffer, size);
+    return CopyValue(DefaultText(defaultValue), buffer, size);
+}
+
+std::uint32_t GetPrivateProfileSectionNamesW(char16_t* buffer, std::uint32_t size,
+                                             char16_t const* path) {
+    auto const file = Load(path);
+    std::vector<std::u16string_view> names;
+    for (Section const& s : file->sections)
+        if (!s.name.empty())
+            names.emplace_back(s.name);
+    return CopyList(names, true, buffer, size);
+}
+
+std::uint32_t GetPrivateProfileSectionW(char16_t const* section, char16_t* buffer,
+                                        std::uint32_t size, char16_t const* path) {
+    auto const file = Load(path);
+    std::vector<std::u16string> lines;
+    if (Section const* s = file->Find(FoldName(section))) {
+        for (Key const& key : s->keys) {
+            if (key.kind == Kind::Entry)
+                lines.push_back(key.name + u"=" + key.value);
+            else if (key.kind == Kind::Valueless)
+                lines.push_back(key.name);
+        }
+    }
+    std::vector<std::u16string_view> const views(lines.begin(), lines.end());
+    return CopyList(views, true, buffer, size);
+}
+
+std::uint32_t GetPrivateProfileIntW(char16_t const* section, char16_t const* key, int defaultValue,
+                                    char16_t const* path) {
+    char16_t text[64];
+    if (GetPrivateProfileStringW(section, key, u"", text, 64, path) == 0)
+        return static_cast<std::uint32_t>(defaultValue);
+    char16_t const* p = text;
+    bool negative = false;
+    if (*p == u'+' || *p == u'-')
+        negative = *p++ == u'-';
+    std::uint32_t value = 0;
+    if (p[0] == u'0' && p[1] == u'x') {
+        for (p += 2; HexDigit(*p) >= 0; ++p)
+            value = value * 16 + static_cast<std::uint32_t>(HexDigit(*p));
+    } else {
+        for (; *p >= u'0' && *p <= u'9'; ++p)
+            value = value * 10 + static_cast<std::uint32_t>(*p - u'0');
+    }
+    return negative ? 0u - value : value;
+}
+
+bool WritePrivateProfileStringW(char16_t const* section, char16_t const* key, char16_t const* value,
+                                char16_t const* path) {
+    if (!section)
+        return false;
+    if (!key)
+        return Modify(path, false,
+                      [&](IniFile const& f, bool) { return DeleteSection(f, section); });
+    if (!value)
+        return Modify(path, false,
+                      [&](IniFile const& f, bool) { return DeleteKey(f, section, key); });
+    return Modify(path, true,
+                  [&](IniFile const& f, bool) { return SetValue(f, section, key, value); });
+}
+
+bool WritePrivateProfileSectionW(char16_t const* section, char16_t const* content,
+                                 char16_t const* path) {
+    if (!section)
+        return false;
+    if (!content)
+        return Modify(path, false,
+                      [&](IniFile const& f, bool) { return DeleteSection(f, section); });
+    return Modify(path, true,
+                  [&](IniFile const& f, bool) { return WriteSection(f, section, content); });
+}
+
+bool WritePrivateProfileStructW(char16_t const* section, char16_t const* key, void const* data,
+                                std::uint32_t size, char16_t const* path) {
+    if (!section || !key || (!data && size))
+        return false;
+    if (!data)
+        return WritePrivateProfileStringW(section, key, nullptr, path);
+    static constexpr char16_t kDigits[] = u"0123456789ABCDEF";
+    auto const* bytes = static_cast<unsigned char const*>(data);
+    std::u16string text;
+    text.reserve(2 * std::size_t{size} + 2);
+    unsigned sum = 0;
+    for (std::uint32_t i = 0; i < size; ++i) {
+        text += kDigits[bytes[i] >> 4];
+        text += kDigits[bytes[i] & 15];
+        sum += bytes[i];
+    }
+    text += kDigits[(sum >> 4) & 15];
+    text += kDigits[sum & 15];
+    return WritePrivateProfileStringW(section, key, text.c_str(), path);
+}
+
+bool GetPrivateProfileStructW(char16_t const* section, char16_t const* key, void* data,
+                              std::uint32_t size, char16_t const* path) {
+    if (!section || !key || !data)
+        return false;
+    auto const file = Load(path);
+    Key const* found = FindKey(*file, section, key);
+    if (!found || found->kind == Kind::Valueless)
+        return false;
+    std::u16string_view const text = Unquoted(found->value);
+    if (text.size() != 2 * std::size_t{size} + 2)
+        return false;
+    std::vector<unsigned char> bytes(size + 1);
+    unsigned sum = 0;
+    for (std::size_t i = 0; i <= size; ++i) {
+        int const high = HexDigit(text[2 * i]);
+        int const low = HexDigit(text[2 * i + 1]);
+        if (high < 0 || low < 0)
+            return false;
+        bytes[i] = static_cast<unsigned char>(high << 4 | low);
+        if (i < size)
+            sum += bytes[i];
+    }
+    if ((sum & 0xFF) != bytes[size])
+        return false;
+    std::memcpy(data, bytes.data(), size);
+    return true;
+}
+
+bool CreateUnicodePrivateProfile(char16_t const* path, bool replaceExisting) {
+    return Modify(path, true, [&](IniFile const&, bool exists) {
+        Edit edit;
+        if (replaceExisting || !exists) {
+            edit.bytes = "\xFF\xFE";
+            edit.changed = true;
+        }
+        return edit;
+    });
+}
+
+bool ConvertPrivateProfileToUnicode(char16_t const* path) {
+    return Modify(path, false, [](IniFile const& f, bool) { return ToUnicode(f); });
+}
+
+} // namespace qv::platform

@@ -1,0 +1,200 @@
+#include <gtest/gtest.h>
+#include <qv/language/BLanguageMap.h>
+#include <qv/language/QVTl.h>
+#include <string>
+#include <vector>
+
+namespace {
+
+std::string U8(WString const& s) {
+    return s.ToUtf8();
+}
+
+// An entry given to Add: key, default text, text, replace, useDefault.
+struct Entry {
+    char16_t const* key;
+    char16_t const* defaultText;
+    char16_t const* text;
+    bool replace = false;
+    bool useDefault = false;
+};
+
+struct AddCase {
+    char const* name;
+    bool reportMissing;
+    std::vector<Entry> before; // added first, results not checked
+    Entry entry;
+    int expected;
+    char16_t const* translated; // Translate(entry.key) afterwards
+};
+
+std::vector<AddCase> const kAddCases = {
+    {"valid key", false, {}, {u"$A_B", u"d", u"t"}, 0, u"t"},
+    {"lone dollar is a key", false, {}, {u"$", u"d", u"t"}, 0, u"t"},
+    {"no dollar", false, {}, {u"AB", u"d", u"t"}, BLanguageMap::kInvalidId, u"AB"},
+    {"hyphen", false, {}, {u"$A-B", u"d", u"t"}, BLanguageMap::kInvalidId, u"$A-B"},
+    {"empty key", false, {}, {u"", u"d", u"t"}, BLanguageMap::kInvalidId, u""},
+    {"empty default, not reported", false, {}, {u"$A_B", u"", u"t"}, 0, u"t"},
+    {"empty default, reported", true, {}, {u"$A_B", u"", u"t"}, BLanguageMap::kIdWithoutText, u"t"},
+    {"empty text takes default", false, {}, {u"$A_B", u"d", u"", false, true}, 0, u"d"},
+    {"empty text taken, reported",
+     true,
+     {},
+     {u"$A_B", u"d", u"", false, true},
+     BLanguageMap::kIdWithoutText,
+     u"d"},
+    {"empty text kept without useDefault", true, {}, {u"$A_B", u"d", u""}, 0, u""},
+    {"case-blind duplicate",
+     false,
+     {{u"$a_b", u"d", u"old"}},
+     {u"$A_B", u"e", u"new"},
+     BLanguageMap::kIdNotUnique,
+     u"old"},
+    {"duplicate replaced",
+     false,
+     {{u"$a_b", u"d", u"old"}},
+     {u"$A_B", u"e", u"new", true},
+     0,
+     u"new"},
+    {"one-word default taken",
+     false,
+     {{u"$Open", u"Open file", u"x"}},
+     {u"$OpenFile", u"OPEN FILE", u"y"},
+     BLanguageMap::kIdNotBiunique,
+     u"y"},
+    {"underscore keys may share",
+     false,
+     {{u"$A_X", u"same", u"x"}},
+     {u"$A_Y", u"same", u"y"},
+     0,
+     u"y"},
+    {"one-word and underscore share",
+     false,
+     {{u"$A_X", u"same", u"x"}},
+     {u"$Same", u"same", u"y"},
+     0,
+     u"y"},
+    {"replace counts its own old entry",
+     false,
+     {{u"$Open", u"Open", u"x"}},
+     {u"$Open", u"Open", u"y", true},
+     BLanguageMap::kIdNotBiunique,
+     u"y"},
+    {"replaced default frees the text",
+     false,
+     {{u"$Open", u"Open", u"x"}, {u"$Open", u"Other", u"x", true}},
+     {u"$Shut", u"Open", u"y"},
+     0,
+     u"y"},
+    {"biunique beats missing text",
+     true,
+     {{u"$Open", u"", u"x"}},
+     {u"$Shut", u"", u"y"},
+     BLanguageMap::kIdNotBiunique,
+     u"y"},
+};
+
+} // namespace
+
+TEST(BLanguageMap, AddAnswersAndLeavesTheMapAsTold) {
+    for (AddCase const& c : kAddCases) {
+        BLanguageMap map;
+        map.SetReportMissingTranslations(c.reportMissing);
+        for (Entry const& e : c.before)
+            map.Add(e.key, e.defaultText, e.text, e.replace, e.useDefault);
+        Entry const& e = c.entry;
+        EXPECT_EQ(map.Add(e.key, e.defaultText, e.text, e.replace, e.useDefault), c.expected)
+            << c.name;
+        EXPECT_EQ(U8(map.Translate(e.key)), U8(c.translated)) << c.name;
+    }
+}
+
+TEST(BLanguageMap, TranslateBackListsMatchesInKeyOrderByPrefix) {
+    BLanguageMap map;
+    map.Add(u"$ERR_B", u"Same", u"Gleich", false, false);
+    map.Add(u"$err_a", u"same", u"x", false, false);
+    map.Add(u"$Zeta", u"SAME", u"gleich", false, false);
+    map.Add(u"$Alpha", u"same", u"y", false, false);
+    map.Add(u"$ERRX_C", u"same", u"z", false, false);
+    map.Add(u"$Other", u"different", u"gleich", false, false);
+    struct Row {
+        char const* name;
+        char16_t const* text;
+        char16_t const* prefix;
+        BLanguageMap::ELanguage language;
+        int count;
+        char const* keys;
+    } const rows[] = {
+        {"every key", u"same", u"", BLanguageMap::DEFAULT, 5, "$Alpha,$err_a,$ERR_B,$ERRX_C,$Zeta"},
+        {"one-word keys", u"Same", u"$", BLanguageMap::DEFAULT, 2, "$Alpha,$Zeta"},
+        {"error keys", u"same", u"$ERR", BLanguageMap::DEFAULT, 2, "$err_a,$ERR_B"},
+        {"prefix is case-blind", u"same", u"$err", BLanguageMap::DEFAULT, 2, "$err_a,$ERR_B"},
+        {"current map", u"GLEICH", u"", BLanguageMap::CURRENT, 3, "$ERR_B,$Other,$Zeta"},
+        {"current one-word", u"gleich", u"$", BLanguageMap::CURRENT, 2, "$Other,$Zeta"},
+        {"no match keeps keys", u"none", u"", BLanguageMap::DEFAULT, 0, "untouched"},
+        {"one-word, no match", u"none", u"$", BLanguageMap::DEFAULT, 0, "untouched"},
+    };
+    for (Row const& r : rows) {
+        WString keys(u"untouched");
+        EXPECT_EQ(map.TranslateBack(r.text, keys, r.prefix, r.language), r.count) << r.name;
+        EXPECT_EQ(U8(keys), r.keys) << r.name;
+    }
+    // Erased and cleared entries leave the index too.
+    map.Add(u"$Zeta", u"other", u"", true, false);
+    WString keys;
+    EXPECT_EQ(map.TranslateBack(u"same", keys, u"$", BLanguageMap::DEFAULT), 1);
+    map.Clear();
+    EXPECT_EQ(map.TranslateBack(u"same", keys, u"$", BLanguageMap::DEFAULT), 0);
+    EXPECT_FALSE(map.Includes(u"$Alpha"));
+}
+
+TEST(BLanguageMap, TranslatesKeysAndSentences) {
+    BLanguageMap map;
+    map.Add(u"$OPEN", u"Open", u"Öffnen", false, false);
+    map.Add(u"$FILE_NAME", u"File name", u"Dateiname", false, false);
+    map.Add(u"$MONEY", u"Money", u"costs $5 or $OPEN", false, false);
+    map.Add(u"$EMPTY", u"Empty", u"", false, false);
+    struct Row {
+        char const* name;
+        bool testMode;
+        bool sentence;
+        char16_t const* text;
+        char const* expected;
+    } const rows[] = {
+        {"key", false, false, u"$open", "Öffnen"},
+        {"plain text", false, false, u"open", "open"},
+        {"missing key", false, false, u"$CLOSE", "$CLOSE"},
+        {"empty", false, false, u"", ""},
+        {"empty translation", false, false, u"$EMPTY", ""},
+        {"test mode, found", true, false, u"$OPEN", "*Öffnen*"},
+        {"test mode, missing", true, false, u"$CLOSE", "$CLOSE"},
+        {"test mode, plain", true, false, u"open", "open"},
+        {"two keys", false, true, u"$OPEN the $FILE_NAME now", "Öffnen the Dateiname now"},
+        {"punctuation ends a key", false, true, u"($OPEN), $FILE_NAME.", "(Öffnen), Dateiname."},
+        {"inserted text not scanned", false, true, u"$MONEY!", "costs $5 or $OPEN!"},
+        {"lone dollar", false, true, u"pay $ now $", "pay $ now $"},
+        {"padded key", false, true, u"$OPEN      x", "Öffnen      x"},
+        {"missing key in sentence", false, true, u"a $NOPE b $OPEN", "a $NOPE b Öffnen"},
+        {"empty translation in sentence", false, true, u"[$EMPTY]$OPEN", "[]Öffnen"},
+        {"sentence in test mode", true, true, u"$OPEN $NOPE", "*Öffnen* $NOPE"},
+        {"no key", false, true, u"nothing", "nothing"},
+    };
+    for (Row const& r : rows) {
+        map.ActivateTestMode(r.testMode);
+        WString const out = r.sentence ? map.TranslateExt(r.text) : map.Translate(r.text);
+        EXPECT_EQ(U8(out), r.expected) << r.name;
+    }
+}
+
+TEST(BLanguageMap, QVTlUsesTheRegisteredMapOnly) {
+    SP<BLanguageMap> map = new BLanguageMap;
+    map->Add(u"$OPEN", u"Open", u"Öffnen", false, false);
+    EXPECT_EQ(U8(QVTl(u"$OPEN")), "$OPEN");
+    EXPECT_EQ(U8(QVTlExt(u"a $OPEN")), "a $OPEN");
+    BLanguageMap::RegisterInstance(map);
+    EXPECT_EQ(BLanguageMap::Instance().get(), map.get());
+    EXPECT_EQ(U8(QVTl(u"$OPEN")), "Öffnen");
+    EXPECT_EQ(U8(QVTlExt(u"a $OPEN")), "a Öffnen");
+    BLanguageMap::RegisterInstance(nullptr);
+    EXPECT_EQ(U8(QVTl(u"$OPEN")), "$OPEN");
+}

@@ -1,0 +1,270 @@
+#include "platform/FileTestSupport.h"
+
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <qv/language/BLanguageMap.h>
+#include <string>
+#include <vector>
+
+namespace {
+
+std::string U8(WString const& s) {
+    return s.ToUtf8();
+}
+
+// The text of a UTF-16LE file with byte order mark, CR LF folded; "<no BOM>" otherwise.
+std::u16string ReadUtf16(std::string const& path) {
+    std::string const bytes = ReadBytes(path);
+    if (bytes.size() < 2 || bytes.compare(0, 2, "\xFF\xFE") != 0)
+        return u"<no BOM>";
+    std::u16string text;
+    for (std::size_t i = 2; i + 1 < bytes.size(); i += 2) {
+        auto const unit = static_cast<char16_t>(static_cast<unsigned char>(bytes[i]) |
+                                                static_cast<unsigned char>(bytes[i + 1]) << 8);
+        if (unit == u'\n' && !text.empty() && text.back() == u'\r')
+            text.back() = u'\n';
+        else
+            text += unit;
+    }
+    return text;
+}
+
+WString W(std::u16string const& s) {
+    return WString(s.c_str());
+}
+
+std::string U8(std::u16string const& s) {
+    return W(s).ToUtf8();
+}
+
+// Imports one file into a fresh map; the result of the import goes to *result.
+struct Imported {
+    BLanguageMap map;
+    WString report;
+    int result = -1;
+
+    Imported(TempDir const& dir, std::u16string const& content, bool replace = false) {
+        WriteBytes(dir / "lang.txt", Utf16File(content));
+        result = map.ImportMapFiles(W(dir.U()), u"lang.txt", &report, replace);
+    }
+    // The default text of a key, found through the reverse lookup.
+    bool HasDefault(char16_t const* key, char16_t const* defaultText) {
+        WString keys;
+        return map.TranslateBack(defaultText, keys, u"", BLanguageMap::DEFAULT) > 0 &&
+               keys.Includes(key);
+    }
+};
+
+struct CellCase {
+    char const* name;
+    std::u16string file;
+    char16_t const* key;
+    char16_t const* defaultText;
+    char16_t const* text;
+};
+
+// Every record's third cell is its text, or its default text when empty (imports use defaults).
+std::vector<CellCase> const kCellCases = {
+    {"plain cells", u"$K\tdef\ttext\n", u"$K", u"def", u"text"},
+    {"quote inside a plain cell", u"$K\ta\"b\tc\"d\n", u"$K", u"a\"b", u"c\"d"},
+    {"quoted tab, line feed, doubled quote", u"$K\t\"x\ty\nz\"\"q\"\tt\n", u"$K", u"x\ty\nz\"q",
+     u"t"},
+    {"letter behind closing quote is lost", u"$K\t\"ab\"Xcd\tt\n", u"$K", u"ab", u"cd"},
+    {"one cell", u"$K\n$L\td\tt\n", u"$K", u"", u""},
+    {"five cells, two skipped", u"$K\ta\tb\tc\td\n$L\tx\ty\n", u"$K", u"a", u"b"},
+    {"line after skipped cells", u"$K\ta\tb\tc\td\n$L\tx\ty\n", u"$L", u"x", u"y"},
+    {"escapes, plain and quoted", u"$K\ta\\nb\t\"c\\td\\x41\"\n", u"$K", u"a\nb", u"c\tdA"},
+    {"last line without line feed", u"# c\n$K\td\tt", u"$K", u"d", u"t"},
+    {"unterminated quote runs to the end", u"$K\td\t\"abc\n$L\tx\ty", u"$K", u"d",
+     u"abc\n$L\tx\ty"},
+    {"empty default cell", u"$K\t\tt\n", u"$K", u"", u"t"},
+    {"empty text takes the default", u"$K\td\t\n", u"$K", u"d", u"d"},
+    {"CR LF folded", u"$K\td\tt\r\n$L\te\tu\r\n", u"$L", u"e", u"u"},
+    {"quoted key", u"\"$K\"\td\tt\n", u"$K", u"d", u"t"},
+    {"zero unit ends the text", std::u16string(u"$K\td\tab") + u'\0' + u"cd\n", u"$K", u"d", u"ab"},
+    {"quoted line feed in a skipped cell", u"$K\ta\tb\t\"x\ny\"\tz\n$L\tl\tm\n", u"$L", u"l", u"m"},
+    {"doubled quote ends skipping's quote", u"$K\ta\tb\t\"x\"\"\n$L\tl\tm\n", u"$L", u"l", u"m"},
+    {"U+FFFF ends a record", u"$K\td\tt\uFFFF$L\tl\tm\n", u"$L", u"l", u"m"},
+};
+
+} // namespace
+
+TEST(LanguageFiles, CellsReadByTheGrammar) {
+    for (CellCase const& c : kCellCases) {
+        TempDir dir;
+        Imported in(dir, c.file);
+        EXPECT_TRUE(in.map.Includes(c.key)) << c.name << "\n" << U8(in.report);
+        EXPECT_EQ(U8(in.map.Translate(c.key)), U8(std::u16string(c.text))) << c.name;
+        EXPECT_TRUE(in.HasDefault(c.key, c.defaultText)) << c.name;
+    }
+}
+
+TEST(LanguageFiles, ImportReportsConflictsByRecord) {
+    TempDir dir;
+    Imported in(dir, u"# comment\n"
+                     u"$A\tAlpha\tA1\n"
+                     u"\tstarts with a tab\n"
+                     u"$a\tAlpha again\t\"two\nlines\"\n"
+                     u"$bad-key\tx\ty\n"
+                     u"$B\tBeta\t\n");
+    EXPECT_EQ(in.result, BLanguageMap::kImportError);
+    EXPECT_EQ(U8(in.report), "Import Language File " + dir.Path() +
+                                 "\\lang.txt\n"
+                                 "Line 4 : Error 7359 [$a] [Alpha again] [two\nlines]\n"
+                                 "Line 5 : Error 7356 [$bad-key] [x] [y]\n"
+                                 "4 entries loaded\n\n");
+    EXPECT_EQ(U8(in.map.Translate(u"$A")), "A1"); // the first stays
+    EXPECT_EQ(U8(in.map.Translate(u"$B")), "Beta");
+    EXPECT_EQ(U8(in.map.CurrentLanguage()), std::filesystem::path(dir.Path()).filename().string());
+
+    // A second import appends to the same report. Replace takes the new text, and a one-word
+    // key's own old entry counts against its default text.
+    WriteBytes(dir / "lang.txt", Utf16File(u"$A\tAlpha\tA2"));
+    EXPECT_EQ(in.map.ImportMapFiles(W(dir.U()), u"*.TXT", &in.report, true),
+              BLanguageMap::kImportError);
+    EXPECT_TRUE(in.report.EndsWith(W(u"entries loaded\n\nImport Language File " + dir.U() +
+                                     u"\\lang.txt\nLine 1 : Error 7358 [$A] [Alpha] [A2]\n"
+                                     u"1 entries loaded\n\n")))
+        << U8(in.report);
+    EXPECT_EQ(U8(in.map.Translate(u"$A")), "A2");
+}
+
+TEST(LanguageFiles, ImportResults) {
+    TempDir dir;
+    BLanguageMap map;
+    WString report;
+    struct Row {
+        char const* name;
+        std::u16string directory;
+        char16_t const* pattern;
+        int expected;
+        std::string language;
+    } const rows[] = {
+        {"no match", dir.U(), u"*.none", BLanguageMap::kNoFileMatches, ""},
+        {"empty file", dir.U(), u"empty.lng*", 0,
+         std::filesystem::path(dir.Path()).filename().string()},
+        {"trailing separator, no language", dir.U() + u"/", u"empty.lng*", 0, ""},
+        {"backslash path", dir.U() + u"\\sub\\German", u"*", 0, "German"},
+    };
+    WriteBytes(dir / "empty.lng", "");
+    std::filesystem::create_directories(dir / "sub/German");
+    WriteBytes(dir / "sub/German/x.txt", Utf16File(u"$X\tx\ty\n"));
+    for (Row const& r : rows) {
+        EXPECT_EQ(map.ImportMapFiles(W(r.directory), r.pattern, &report, false), r.expected)
+            << r.name;
+        if (r.expected == 0) {
+            EXPECT_EQ(U8(map.CurrentLanguage()), r.language) << r.name;
+        }
+    }
+    EXPECT_EQ(U8(report), "Import Language File " + dir.Path() +
+                              "\\empty.lng\n0 entries loaded\n\n" + "Import Language File " +
+                              dir.Path() +
+                              "/\\empty.lng\n0 entries "
+                              "loaded\n\n" +
+                              "Import Language File " + dir.Path() +
+                              "\\sub\\German\\x.txt\n1 entries loaded\n\n");
+}
+
+TEST(LanguageFiles, ExportReadsBackEqual) {
+    TempDir dir;
+    BLanguageMap map;
+    map.Add(u"$b_KEY", u"Default", u"Zweite \"Zeile\" mit Ümlaut", false, false);
+    map.Add(u"$A_X", u"", u"\\n stays escaped", false, false);
+    map.Add(u"$C_X", u"x", u"", false, false);
+    ASSERT_EQ(map.ExportMapFile(W(dir.U("out.txt"))), 0);
+    EXPECT_EQ(U8(ReadUtf16(dir / "out.txt")),
+              "$A_X\t\t\\n stays escaped\n$b_KEY\t\tZweite \"Zeile\" mit Ümlaut\n$C_X\t\t\n");
+    EXPECT_EQ(ReadBytes(dir / "out.txt").substr(0, 6), std::string("\xFF\xFE$\0A\0", 6));
+    BLanguageMap back;
+    ASSERT_EQ(back.ImportMapFiles(W(dir.U()), u"out.txt", nullptr, false), 0);
+    // The reader resolves escapes, so a literal backslash-n comes back as a line feed; all
+    // other texts come back as they were.
+    EXPECT_EQ(U8(back.Translate(u"$a_x")), "\n stays escaped");
+    EXPECT_EQ(U8(back.Translate(u"$B_key")), "Zweite \"Zeile\" mit Ümlaut");
+    EXPECT_EQ(U8(back.Translate(u"$C_X")), "");
+    EXPECT_EQ(map.ExportMapFile(W(dir.U("missing/out.txt"))), BLanguageMap::kCannotCreateFile);
+}
+
+TEST(LanguageFiles, ReplaceControlCharsEscapesThreeCharacters) {
+    WString text(u"a\nb\r\nc\td\\n");
+    BLanguageMap::ReplaceControlChars(text);
+    EXPECT_EQ(U8(text), "a\\nb\\r\\nc\\td\\n");
+    text.ResolveEsc();
+    EXPECT_EQ(U8(text), "a\nb\r\nc\td\n");
+}
+
+TEST(LanguageFiles, MergeFillsTheReferenceFromTheTranslation) {
+    TempDir dir;
+    for (char const* sub : {"ref", "old", "new"})
+        std::filesystem::create_directory(dir / sub);
+    WriteBytes(dir / "ref/a.lng", Utf16File(u"# Reference\t\tthird\n"
+                                            u"$OPEN\tOpen\tOpen\n"
+                                            u"$SAVE\tSave now\t\n"
+                                            u"\tdropped\tcells\n"
+                                            u"$NEW_KEY\tNew\\tone\n"
+                                            u"$Untranslated\tDefault\t\n"
+                                            u"$MULTI\tMulti\n"));
+    WriteBytes(dir / "old/a.lng", Utf16File(u"$open\tOpen\tÖffnen\n"
+                                            u"$SAVE\tSave\tSpeichern\n"
+                                            u"$UNTRANSLATED\tOld default\t\n"
+                                            u"$MULTI\tMulti\t\"Zwei\nZeilen\"\n"
+                                            u"$GONE\tGone\tWeg\n"));
+    int newEntries = 7;
+    EXPECT_EQ(BLanguageMap::MergeMapFile(W(dir.U("ref")), W(dir.U("old")), W(dir.U("new")),
+                                         u"a.lng", newEntries),
+              0);
+    EXPECT_EQ(newEntries, 8);
+    EXPECT_EQ(U8(ReadUtf16(dir / "new/a.lng")), "# Reference\tthird\n"
+                                                "$OPEN\tOpen\tÖffnen\n"
+                                                "$SAVE\tSave now\tSpeichern\n"
+                                                "\t\t\n"
+                                                "$NEW_KEY\tNew\\tone\t\tnew entry!\n"
+                                                "$Untranslated\tDefault\tOld default\n"
+                                                "$MULTI\tMulti\tZwei\\nZeilen\n"
+                                                "\t\t\n");
+}
+
+TEST(LanguageFiles, MergeResultsAndCounts) {
+    TempDir dir;
+    for (char const* sub : {"ref", "old", "new", "new/b.lng"})
+        std::filesystem::create_directory(dir / sub);
+    for (char const* name : {"a.lng", "b.lng", "c.lng"})
+        WriteBytes(dir / ("ref/" + std::string(name)), Utf16File(u"$A\ta\n$B\tb\n$C\tc"));
+    WriteBytes(dir / "old/a.lng", Utf16File(u"$A\ta\tx\n"));
+    WriteBytes(dir / "old/c.lng", Utf16File(u"$A\ta\tx\n$B\tb\ty\n$C\tc\tz\n"));
+    struct Row {
+        char const* name;
+        char const* ref;
+        char const* old;
+        char const* target;
+        char16_t const* pattern;
+        int expected;
+        int newEntries;
+    } const rows[] = {
+        // b.lng's target is a directory: its error is handed on, and c.lng is still merged.
+        {"three files", "ref", "old", "new", u"*.lng", BLanguageMap::kMergeCannotCreateTarget, 2},
+        {"one file", "ref", "old", "new", u"a.LNG", 0, 2},
+        {"no reference directory", "none", "old", "new", u"*.lng",
+         BLanguageMap::kMergeNoReferenceDirectory, 0},
+        {"no translation directory", "ref", "none", "new", u"*.lng",
+         BLanguageMap::kMergeNoTranslationDirectory, 0},
+        {"no match", "ref", "old", "new", u"*.txt", BLanguageMap::kMergeNoFileMatches, 0},
+        {"no target directory", "ref", "old", "none", u"a.lng",
+         BLanguageMap::kMergeCannotCreateTarget, 0},
+    };
+    for (Row const& r : rows) {
+        int newEntries = -1;
+        EXPECT_EQ(BLanguageMap::MergeMapFiles(W(dir.U(r.ref)), W(dir.U(r.old)), W(dir.U(r.target)),
+                                              r.pattern, newEntries),
+                  r.expected)
+            << r.name;
+        EXPECT_EQ(newEntries, r.newEntries) << r.name;
+    }
+    EXPECT_EQ(U8(ReadUtf16(dir / "new/c.lng")), "$A\ta\tx\n$B\tb\ty\n$C\tc\tz\n");
+    int count = 3;
+    EXPECT_EQ(BLanguageMap::MergeMapFile(W(dir.U("ref")), W(dir.U("old")), W(dir.U("new")),
+                                         u"none.lng", count),
+              BLanguageMap::kMergeCannotOpenReference);
+    EXPECT_EQ(count, 3);
+    EXPECT_FALSE(std::filesystem::exists(dir / "new/none.lng"));
+}

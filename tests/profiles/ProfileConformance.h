@@ -1,0 +1,258 @@
+// One suite for every IProfile store: typed reads and writes, fallbacks, sections, hex, time.
+// A store joins by specialising StoreTraits (how to make one, whether it can write back) and
+// instantiating the suite in its own test file.
+#pragma once
+
+#include <cstring>
+#include <gtest/gtest.h>
+#include <qv/profiles/IProfile.h>
+#include <string>
+
+// Make(writeMissingKey) gives a fresh, empty store whose current section is "S".
+// kWritesMissing says whether the store can be built to write fallbacks.
+template <class P>
+struct StoreTraits;
+
+inline std::string U8(WString const& text) {
+    return text.ToUtf8();
+}
+
+template <class P>
+class ProfileConformance : public ::testing::Test {
+protected:
+    using Traits = StoreTraits<P>;
+    SP<P> Make(bool writeMissingKey = false) { return Traits::Make(m_env, writeMissingKey); }
+    typename Traits::Env m_env;
+};
+
+TYPED_TEST_SUITE_P(ProfileConformance);
+
+// A missing key is written as null; "" stores an empty value.
+struct IntRow {
+    char const* name;
+    char16_t const* stored;
+    int start, min, max;
+    bool result;
+    int value;
+};
+
+TYPED_TEST_P(ProfileConformance, IntReadsParseClampAndKeep) {
+    IntRow const rows[] = {
+        {"plain", u"42", 7, IProfile::kNoMin, IProfile::kNoMax, true, 42},
+        {"trailing text ignored", u"7.5xyz", 0, IProfile::kNoMin, IProfile::kNoMax, true, 7},
+        {"leading blanks", u"  -12", 0, IProfile::kNoMin, IProfile::kNoMax, true, -12},
+        {"missing keeps", nullptr, 9, IProfile::kNoMin, IProfile::kNoMax, false, 9},
+        {"empty is missing", u"", 9, IProfile::kNoMin, IProfile::kNoMax, false, 9},
+        {"not a number keeps", u"abc", 9, IProfile::kNoMin, IProfile::kNoMax, false, 9},
+        {"above max clamps", u"15", 3, 0, 10, false, 10},
+        {"below min clamps", u"-4", 3, 0, 10, false, 0},
+        {"limits inclusive", u"10", 3, 0, 10, true, 10},
+    };
+    for (auto const& row : rows) {
+        auto p = this->Make();
+        if (row.stored) {
+            ASSERT_TRUE(p->WriteString(u"k", row.stored)) << row.name;
+        }
+        int value = row.start;
+        EXPECT_EQ(p->Read(u"k", value, row.min, row.max), row.result) << row.name;
+        EXPECT_EQ(value, row.value) << row.name;
+    }
+}
+
+TYPED_TEST_P(ProfileConformance, NarrowAndLongReadsKeepTheValueOnAnyFailure) {
+    auto p = this->Make();
+    ASSERT_TRUE(p->WriteString(u"k", u"15"));
+    short s = 3;
+    EXPECT_FALSE(p->Read(u"k", s, 0, 10));
+    EXPECT_EQ(s, 3);
+    unsigned char c = 1;
+    EXPECT_TRUE(p->Read(u"k", c, 0, 255));
+    EXPECT_EQ(c, 15);
+    // A negative number through unsigned long keeps its 32 bits.
+    ASSERT_TRUE(p->Write(u"k", 4294967295ul));
+    EXPECT_EQ(U8(p->GetString(u"k", WString())), "-1");
+    unsigned long ul = 0;
+    EXPECT_TRUE(p->Read(u"k", ul, IProfile::kNoMin, IProfile::kNoMax));
+    EXPECT_EQ(ul, 4294967295ul);
+    long l = 0;
+    EXPECT_TRUE(p->Read(u"k", l, IProfile::kNoMin, IProfile::kNoMax));
+    EXPECT_EQ(l, -1);
+    unsigned short us = 5;
+    EXPECT_FALSE(p->Read(u"k", us, 0, 100));
+    EXPECT_EQ(us, 5);
+}
+
+TYPED_TEST_P(ProfileConformance, FloatBoolAndTextReads) {
+    auto p = this->Make();
+    ASSERT_TRUE(p->Write(u"d", 0.123456789));
+    EXPECT_EQ(U8(p->GetString(u"d", WString())), "0.123457");
+    ASSERT_TRUE(p->WriteString(u"f", u"0.123456789"));
+    double d = 1;
+    EXPECT_TRUE(p->Read(u"f", d));
+    EXPECT_EQ(d, static_cast<double>(0.123456789f));
+    ASSERT_TRUE(p->WriteString(u"bad", u"x1"));
+    float f = 2.5f;
+    EXPECT_FALSE(p->Read(u"bad", f));
+    EXPECT_EQ(f, 2.5f);
+
+    struct {
+        char const* name;
+        char16_t const* stored;
+        bool start, result, value;
+    } const bools[] = {
+        {"upper", u"TRUE", false, true, true},
+        {"mixed", u"fAlSe", true, true, false},
+        {"one", u"1", true, false, true},
+        {"maybe", u"maybe", true, false, true},
+    };
+    for (auto const& row : bools) {
+        ASSERT_TRUE(p->WriteString(u"b", row.stored)) << row.name;
+        bool value = row.start;
+        EXPECT_EQ(p->Read(u"b", value), row.result) << row.name;
+        EXPECT_EQ(value, row.value) << row.name;
+    }
+    ASSERT_TRUE(p->Write(u"b", true));
+    EXPECT_EQ(U8(p->GetString(u"b", WString())), "TRUE");
+
+    WString text(u"keep");
+    EXPECT_FALSE(p->Read(u"none", text));
+    EXPECT_EQ(U8(text), "keep");
+    ASSERT_TRUE(p->Write(u"t", u"value"));
+    EXPECT_TRUE(p->Read(u"t", text));
+    EXPECT_EQ(U8(text), "value");
+}
+
+TYPED_TEST_P(ProfileConformance, HexReadsCountTwoForThePrefix) {
+    struct {
+        char const* name;
+        char16_t const* stored;
+        bool result;
+        unsigned long value;
+    } const rows[] = {
+        {"prefixed", u"0x1234", true, 0x1234},    {"bare four", u"1234", true, 0x1234},
+        {"too short", u"12", false, 99},          {"five after prefix", u"0x12345", false, 99},
+        {"six bare", u"123456", true, 0x123456},  {"stops at blank", u"0x12 z", true, 0x12},
+        {"stops at letter", u"0x12z", false, 99}, {"blanks trimmed", u"  0xAb  ", true, 0xAB},
+    };
+    for (auto const& row : rows) {
+        auto p = this->Make();
+        ASSERT_TRUE(p->WriteString(u"h", row.stored)) << row.name;
+        unsigned long value = 99;
+        EXPECT_EQ(p->ReadHex(u"h", value, 4), row.result) << row.name;
+        EXPECT_EQ(value, row.value) << row.name;
+    }
+    auto p = this->Make();
+    ASSERT_TRUE(p->WriteString(u"h", u"0xBEEF"));
+    unsigned short s = 0;
+    EXPECT_TRUE(p->ReadHex(u"h", s));
+    EXPECT_EQ(s, 0xBEEF);
+}
+
+TYPED_TEST_P(ProfileConformance, TimeTextRoundTripsAndNormalises) {
+    auto p = this->Make();
+    _SYSTEMTIME const t = {2021, 3, 4, 7, 8, 5, 9, 4};
+    ASSERT_TRUE(p->Write(u"t", t));
+    EXPECT_EQ(U8(p->GetString(u"t", WString())), "03/07/2021 08:05:09.004");
+    _SYSTEMTIME back{};
+    EXPECT_TRUE(p->Read(u"t", back));
+    EXPECT_EQ(back.wYear, 2021);
+    EXPECT_EQ(back.wDay, 7);
+    EXPECT_EQ(back.wDayOfWeek, 0) << "7 March 2021 was a Sunday";
+    EXPECT_EQ(back.wMilliseconds, 4);
+
+    ASSERT_TRUE(p->WriteString(u"s", u" 03 / 07 / 2021  08 : 05 : 09 . 004 "));
+    _SYSTEMTIME spaced{};
+    EXPECT_TRUE(p->Read(u"s", spaced));
+    EXPECT_EQ(std::memcmp(&spaced, &back, sizeof back), 0);
+
+    _SYSTEMTIME missing = t;
+    EXPECT_FALSE(p->Read(u"none", missing));
+    EXPECT_EQ(missing.wYear, 1899);
+    EXPECT_EQ(missing.wMonth, 12);
+    EXPECT_EQ(missing.wDay, 30);
+    EXPECT_EQ(missing.wDayOfWeek, 6);
+
+    ASSERT_TRUE(p->WriteString(u"bad", u"13/40/2021 00:00:00.000"));
+    _SYSTEMTIME bad{};
+    EXPECT_TRUE(p->Read(u"bad", bad)) << "the text parses; only the normalising fails";
+    EXPECT_EQ(bad.wMonth, 13);
+}
+
+TYPED_TEST_P(ProfileConformance, SectionsSelectListAndDelete) {
+    auto p = this->Make();
+    ASSERT_TRUE(p->WriteString(u"a", u"1"));
+    p->SetSection(u"Other");
+    EXPECT_EQ(U8(p->GetSection()), "Other");
+    ASSERT_TRUE(p->WriteString(u"b", u"2"));
+    BArray<WString> keys;
+    EXPECT_TRUE(p->LoadSection(u"s", &keys)) << "names compare without regard to case";
+    ASSERT_EQ(keys.Count(), 1u);
+    EXPECT_EQ(U8(keys[0]), "a");
+    EXPECT_FALSE(p->LoadSection(u"Nothing", &keys));
+    EXPECT_FALSE(p->LoadSection(WString(), nullptr));
+    EXPECT_TRUE(p->GetSection().IsEmpty());
+
+    p->SetSection(u"S");
+    EXPECT_TRUE(p->DeleteSection(u"Other"));
+    EXPECT_EQ(U8(p->GetSection()), "S") << "deleting another section keeps the current one";
+    EXPECT_TRUE(p->DeleteSection(u"s"));
+    EXPECT_TRUE(p->GetSection().IsEmpty());
+    p->SetSection(u"S");
+    WString text;
+    EXPECT_FALSE(p->Read(u"a", text));
+
+    p->SetSection(u"S");
+    ASSERT_TRUE(p->WriteString(u"gone", u"x"));
+    p->DeleteKey(u"GONE");
+    EXPECT_FALSE(p->Read(u"gone", text));
+}
+
+TYPED_TEST_P(ProfileConformance, SubProfileEntryIsFoundBesideTheProfile) {
+    auto p = this->Make();
+    p->SetSection(u"Dev");
+    ASSERT_TRUE(p->WriteString(u"rel", u"cam1.ini"));
+    ASSERT_TRUE(p->WriteString(u"abs", u"E:\\x\\cam1.ini"));
+    ASSERT_TRUE(p->WriteString(u"sub", u"sub\\cam1.ini"));
+    p->SetSection(u"S");
+    std::string const dir = U8(p->GetDir());
+    EXPECT_EQ(U8(p->GetSubProfileEntry(u"Dev", u"rel")), dir + "cam1.ini");
+    EXPECT_EQ(U8(p->GetSection()), "Dev");
+    EXPECT_EQ(U8(p->GetSubProfileEntry(u"Dev", u"abs")), "E:\\x\\cam1.ini");
+    EXPECT_EQ(U8(p->GetSubProfileEntry(u"Dev", u"sub")), "sub\\cam1.ini");
+    EXPECT_TRUE(p->GetSubProfileEntry(u"Dev", u"none").IsEmpty());
+    EXPECT_TRUE(p->GetSubProfileEntry(u"Empty", u"rel").IsEmpty());
+}
+
+TYPED_TEST_P(ProfileConformance, FallbackWritesStoreTheCallersValue) {
+    if (!StoreTraits<TypeParam>::kWritesMissing)
+        GTEST_SKIP() << "this store cannot be built to write fallbacks";
+    auto p = this->Make(true);
+    WString text(u"dflt");
+    EXPECT_FALSE(p->Read(u"t", text));
+    EXPECT_EQ(U8(p->GetString(u"t", WString())), "dflt");
+    WString none;
+    EXPECT_FALSE(p->Read(u"n", none));
+    EXPECT_EQ(static_cast<IProfile&>(*p).GetAllKeys().Count(), 1u)
+        << "an empty caller's text stores nothing";
+
+    ASSERT_TRUE(p->WriteString(u"i", u"abc"));
+    int i = 5;
+    EXPECT_FALSE(p->Read(u"i", i, IProfile::kNoMin, IProfile::kNoMax));
+    EXPECT_EQ(U8(p->GetString(u"i", WString())), "5") << "bad text replaced";
+    ASSERT_TRUE(p->WriteString(u"b", u"maybe"));
+    bool b = true;
+    EXPECT_FALSE(p->Read(u"b", b));
+    EXPECT_EQ(U8(p->GetString(u"b", WString())), "maybe") << "bad bool text stays";
+    float f = 1.5f;
+    EXPECT_FALSE(p->Read(u"f", f));
+    EXPECT_EQ(U8(p->GetString(u"f", WString())), "1.5");
+    ASSERT_TRUE(p->WriteString(u"e", u""));
+    EXPECT_TRUE(p->GetString(u"e", u"def").IsEmpty());
+    EXPECT_EQ(U8(p->GetString(u"e", WString())), "def") << "present and empty takes the default";
+}
+
+REGISTER_TYPED_TEST_SUITE_P(ProfileConformance, IntReadsParseClampAndKeep,
+                            NarrowAndLongReadsKeepTheValueOnAnyFailure, FloatBoolAndTextReads,
+                            HexReadsCountTwoForThePrefix, TimeTextRoundTripsAndNormalises,
+                            SectionsSelectListAndDelete, SubProfileEntryIsFoundBesideTheProfile,
+                            FallbackWritesStoreTheCallersValue);
