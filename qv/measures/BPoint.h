@@ -50,6 +50,12 @@ public:
     constexpr BPoint& operator/=(long d) noexcept { return *this = *this / d; }
     constexpr bool operator==(tagPOINT const& p) const noexcept { return x == p.x && y == p.y; }
     constexpr bool operator!=(tagPOINT const& p) const noexcept { return !(*this == p); }
+    // The same for two BPoints, so that a comparison of a const and a non-const one is
+    // not ambiguous with its reversed form.
+    constexpr bool operator==(BPoint const& o) const noexcept {
+        return *this == static_cast<tagPOINT const&>(o);
+    }
+    constexpr bool operator!=(BPoint const& o) const noexcept { return !(*this == o); }
     /// @}
 
     /// True when left <= x < right and top <= y < bottom.

@@ -130,5 +130,11 @@ public:
         return left == r.left && top == r.top && right == r.right && bottom == r.bottom;
     }
     constexpr bool operator!=(tagRECT const& r) const noexcept { return !(*this == r); }
+    // The same for two BRects, so that a comparison of a const and a non-const one is
+    // not ambiguous with its reversed form.
+    constexpr bool operator==(BRect const& o) const noexcept {
+        return *this == static_cast<tagRECT const&>(o);
+    }
+    constexpr bool operator!=(BRect const& o) const noexcept { return !(*this == o); }
 };
 static_assert(sizeof(BRect) == sizeof(tagRECT) && std::is_trivially_copyable_v<BRect>);

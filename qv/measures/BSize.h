@@ -48,6 +48,12 @@ public:
     constexpr BSize& operator/=(long d) noexcept { return *this = *this / d; }
     constexpr bool operator==(tagSIZE const& s) const noexcept { return cx == s.cx && cy == s.cy; }
     constexpr bool operator!=(tagSIZE const& s) const noexcept { return !(*this == s); }
+    // The same for two BSizes, so that a comparison of a const and a non-const one is
+    // not ambiguous with its reversed form.
+    constexpr bool operator==(BSize const& o) const noexcept {
+        return *this == static_cast<tagSIZE const&>(o);
+    }
+    constexpr bool operator!=(BSize const& o) const noexcept { return !(*this == o); }
     /// @}
 
     /// @name Order, true only when the relation holds in both components at once, so two

@@ -71,6 +71,12 @@ TEST(Guid, PlatformServiceAnswers) {
     _GUID g{1, 2, 3, {4}};
     EXPECT_EQ(UuidFromStringW(u"not a uuid", &g), RPC_S_INVALID_STRING_UUID);
     EXPECT_EQ(g.Data1, 1u) << "left as it was";
+    EXPECT_EQ(UuidFromStringW(u"", &g), RPC_S_INVALID_STRING_UUID);
+    // The bytes of the record as Windows lays them out (docs/probes/uuid_probe.out.txt).
+    ASSERT_EQ(UuidFromStringW(u"00112233-4455-6677-8899-AABBCCDDEEFF", &g), RPC_S_OK);
+    unsigned char const windows[16] = {0x33, 0x22, 0x11, 0x00, 0x55, 0x44, 0x77, 0x66,
+                                       0x88, 0x99, 0xaa, 0xbb, 0xcc, 0xdd, 0xee, 0xff};
+    EXPECT_EQ(std::memcmp(&g, windows, 16), 0);
     EXPECT_EQ(UuidFromStringW(nullptr, &g), RPC_S_OK);
     EXPECT_TRUE(IsZero(g));
     RPC_STATUS status = -1;

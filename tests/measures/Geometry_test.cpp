@@ -66,6 +66,13 @@ TEST(Geometry, RectangleRules) {
         {"union of two empty is zeros",
          [] { return BRect(4, 4, 4, 9).Union(BRect(7, 7, 1, 1)); },
          {0, 0, 0, 0}},
+        // The answers of the platform's UnionRect (docs/probes/rect_probe.out.txt).
+        {"union of disjoint",
+         [] { return BRect(0, 0, 2, 2).Union(BRect(5, 5, 7, 7)); },
+         {0, 0, 7, 7}},
+        {"union skips an inverted one",
+         [] { return BRect(5, 5, 1, 1).Union(BRect(0, 0, 10, 10)); },
+         {0, 0, 10, 10}},
         {"union of four",
          [] {
              return BRect(0, 0, 1, 1)
