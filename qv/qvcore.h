@@ -80,6 +80,26 @@
 #include <qv/operations/QVPost.h>
 #include <qv/operations/ReaderSlots.h>
 
+#include <qv/measures/B2DArrayBase.h>
+#include <qv/measures/BBitArray.h>
+#include <qv/measures/BFColor.h>
+#include <qv/measures/BFPoint.h>
+#include <qv/measures/BFRect.h>
+#include <qv/measures/BFramesPerSecondCounter.h>
+#include <qv/measures/BGuid.h>
+#include <qv/measures/BMatrix2x3.h>
+#include <qv/measures/BPoint.h>
+#include <qv/measures/BProfiler.h>
+#include <qv/measures/BRect.h>
+#include <qv/measures/BRectItr.h>
+#include <qv/measures/BRgb.h>
+#include <qv/measures/BRgba.h>
+#include <qv/measures/BSha1.h>
+#include <qv/measures/BSize.h>
+#include <qv/measures/BStopWatch.h>
+#include <qv/measures/Date.h>
+#include <qv/measures/Time.h>
+
 #include <qv/platform/CodePage.h>
 #include <qv/platform/CriticalSection.h>
 #include <qv/platform/FileSeek.h>

@@ -1,0 +1,160 @@
+// SHA-1 on the published vectors and around the padding edges, on every block compression
+// that this processor runs, and the digest forms of Crypt::BSha1.
+#include "qv/measures/private/SHA1.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <gtest/gtest.h>
+#include <qv/core/BError.h>
+#include <qv/measures/BSha1.h>
+#include <string>
+#include <vector>
+
+namespace {
+
+using qv::detail::SHA1;
+using qv::detail::Sha1Compress;
+
+std::string Hex(std::uint32_t const (&words)[5]) {
+    char text[41];
+    std::snprintf(text, sizeof text, "%08x%08x%08x%08x%08x", words[0], words[1], words[2], words[3],
+                  words[4]);
+    return text;
+}
+
+// The message of n bytes i * 7 + 1: no block repeats another.
+std::string Pattern(std::size_t n) {
+    std::string s(n, '\0');
+    for (std::size_t i = 0; i < n; ++i)
+        s[i] = static_cast<char>(i * 7 + 1);
+    return s;
+}
+
+struct Engine {
+    std::string name;
+    Sha1Compress compress;
+};
+
+std::vector<Engine> Engines() {
+    std::vector<Engine> engines = {{"portable", &qv::detail::Sha1CompressPortable}};
+    if (Sha1Compress sha = qv::detail::Sha1CompressShaInstructions())
+        engines.push_back({"SHA instructions", sha});
+    return engines;
+}
+
+std::string Digest(Sha1Compress compress, std::string const& message,
+                   std::size_t piece = std::string::npos) {
+    SHA1 sha(compress);
+    for (std::size_t at = 0; at < message.size(); at += piece)
+        sha.Input(message.data() + at, std::min(piece, message.size() - at));
+    std::uint32_t words[5];
+    EXPECT_TRUE(sha.Result(words));
+    return Hex(words);
+}
+
+struct Vector {
+    std::string name;
+    std::string message;
+    std::string digest;
+};
+
+TEST(Sha1, PublishedVectors) {
+    std::vector<Vector> const vectors = {
+        {"empty", "", "da39a3ee5e6b4b0d3255bfef95601890afd80709"},
+        {"abc", "abc", "a9993e364706816aba3e25717850c26c9cd0d89d"},
+        {"448 bits", "abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq",
+         "84983e441c3bd26ebaae4aa1f95129e5e54670f1"},
+        {"896 bits",
+         "abcdefghbcdefghicdefghijdefghijkefghijklfghijklmghijklmnhijklmnoijklmnopjklmnopqklmnop"
+         "qrlmnopqrsmnopqrstnopqrstu",
+         "a49b2446a02c645bf419f995b67091253a04a259"},
+        {"a million a", std::string(1000000, 'a'), "34aa973cd4c4daa4f61eeb2bdbad27316534016f"},
+    };
+    for (auto const& engine : Engines())
+        for (auto const& v : vectors)
+            EXPECT_EQ(Digest(engine.compress, v.message), v.digest)
+                << engine.name << ": " << v.name;
+}
+
+TEST(Sha1, PaddingEdgesAgreeAcrossEnginesAndPieces) {
+    // The lengths where the padding spills into a further block, fills one exactly, or the
+    // input ends on a block edge; fed whole, and in pieces that straddle the blocks.
+    std::vector<std::size_t> const lengths = {0,  1,   54,  55,  56,  57,  63,   64,
+                                              65, 119, 120, 127, 128, 129, 1000, 4096};
+    std::vector<std::size_t> const pieces = {1, 3, 63, 64, 65};
+    for (std::size_t n : lengths) {
+        std::string const message = Pattern(n);
+        std::string const want = Digest(&qv::detail::Sha1CompressPortable, message);
+        for (auto const& engine : Engines()) {
+            EXPECT_EQ(Digest(engine.compress, message), want) << engine.name << " length " << n;
+            for (std::size_t piece : pieces)
+                EXPECT_EQ(Digest(engine.compress, message, piece), want)
+                    << engine.name << " length " << n << " in pieces of " << piece;
+        }
+    }
+    // Known values at the edges, from the published definition.
+    EXPECT_EQ(Digest(&qv::detail::Sha1CompressPortable, std::string(55, 'a')),
+              "c1c8bbdc22796e28c0e15163d20899b65621d65a");
+    EXPECT_EQ(Digest(&qv::detail::Sha1CompressPortable, std::string(56, 'a')),
+              "c2db330f6083854c99d4b5bfb6e8f29f201be699");
+    EXPECT_EQ(Digest(&qv::detail::Sha1CompressPortable, std::string(64, 'a')),
+              "0098ba824b5c16427bd7a1122a5a442a25ec644d");
+}
+
+TEST(Sha1, LengthOverflowIsFlagged) {
+    // A digest continued near the end of the 64-bit length: what fits is taken, a byte more
+    // is refused and flagged.
+    std::uint32_t const start[5] = {1, 2, 3, 4, 5};
+    std::uint64_t const nearlyFull = ~std::uint64_t{0} - 511;
+    std::string const block(64, 'x');
+    std::uint32_t words[5] = {};
+
+    SHA1 fits(start, nearlyFull - 511);
+    EXPECT_TRUE(fits.Input(block.data(), 64));
+    EXPECT_FALSE(fits.LengthOverflowed());
+    EXPECT_TRUE(fits.Result(words));
+
+    SHA1 over(start, nearlyFull);
+    EXPECT_TRUE(over.Input(block.data(), 63));
+    EXPECT_FALSE(over.LengthOverflowed());
+    EXPECT_FALSE(over.Input(block.data(), 1));
+    EXPECT_TRUE(over.LengthOverflowed());
+    words[0] = 0xDEADBEEF;
+    EXPECT_FALSE(over.Result(words));
+    EXPECT_EQ(words[0], 0xDEADBEEFu);
+}
+
+TEST(Sha1, FinishedDigestTakesNoMoreInput) {
+    SHA1 sha;
+    sha.Input("abc", 3);
+    std::uint32_t first[5], second[5];
+    ASSERT_TRUE(sha.Result(first));
+    EXPECT_FALSE(sha.Input("d", 1));
+    ASSERT_TRUE(sha.Result(second));
+    EXPECT_EQ(Hex(first), Hex(second));
+}
+
+TEST(Sha1, DigestForms) {
+    char abc[] = "abc";
+    Crypt::BSha1::Result words{};
+    ASSERT_TRUE(Crypt::BSha1::Encrypt(abc, 3, words));
+    EXPECT_EQ(words.m_h[0], 0xa9993e36u); // H0 first, as a number
+    EXPECT_EQ(words.m_h[4], 0x9cd0d89du);
+
+    WString text(u"stale");
+    ASSERT_TRUE(Crypt::BSha1::Encrypt(abc, 3, text));
+    EXPECT_EQ(text.ToUtf8(), "a9993e364706816aba3e25717850c26c9cd0d89d");
+    ASSERT_TRUE(Crypt::BSha1::Encrypt(abc, 0, text));
+    EXPECT_EQ(text.ToUtf8().substr(0, 8), "da39a3ee");
+
+    text = WString(u"stale");
+    EXPECT_FALSE(Crypt::BSha1::Encrypt(nullptr, 0, text));
+    EXPECT_TRUE(text.IsEmpty());
+    words.m_h[0] = 7;
+    EXPECT_FALSE(Crypt::BSha1::Encrypt(nullptr, 3, words));
+    EXPECT_EQ(words.m_h[0], 7u);
+
+    EXPECT_THROW(Crypt::BSha1::Encrypt(abc, 0x100000000ull, words), BError);
+}
+
+} // namespace

@@ -1,0 +1,206 @@
+// Stop watches, the frame counter, the calendar numbers and the profiler's log file.
+#include "platform/FileTestSupport.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <ctime>
+#include <gtest/gtest.h>
+#include <qv/measures/BFramesPerSecondCounter.h>
+#include <qv/measures/BProfiler.h>
+#include <qv/measures/BStopWatch.h>
+#include <qv/measures/Date.h>
+#include <qv/measures/Time.h>
+#include <qv/platform/Clock.h>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+void Pause(int ms) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(ms));
+}
+
+TEST(Timing, StopWatch) {
+    BStopWatch idle(false);
+    Pause(5);
+    EXPECT_EQ(idle.Period(), 0u) << "made stopped reads 0";
+    idle.Continue();
+    Pause(20);
+    EXPECT_GE(idle.Period(), 20u) << "runs from 0 after Continue";
+    EXPECT_LT(idle.Period(), 1000u);
+
+    BStopWatch watch;
+    Pause(20);
+    watch.Stop();
+    double const stopped = watch.PeriodD();
+    Pause(30);
+    watch.Stop(); // keeps the first stop time
+    EXPECT_EQ(watch.PeriodD(), stopped);
+    watch.Continue();
+    EXPECT_LT(watch.PeriodD() - stopped, 25.0) << "the pause does not count";
+    EXPECT_GE(watch.PeriodD(), stopped);
+    watch.Reset();
+    EXPECT_LT(watch.PeriodD(), 15.0);
+}
+
+TEST(Timing, FramesPerSecond) {
+    BFramesPerSecondCounter counter;
+    EXPECT_EQ(counter.Fps(), 0.0);
+    counter.AddFrame();
+    EXPECT_EQ(counter.Fps(), 0.0) << "one frame";
+    Pause(50);
+    counter.AddFrame();
+    EXPECT_GT(counter.Fps(), 2.0);
+    EXPECT_LT(counter.Fps(), 21.0);
+    counter.Restart();
+    EXPECT_EQ(counter.Fps(), 0.0);
+
+    // A span of 10 ms: after a long pause the last two frames remain, and the rate is that of
+    // the pause, however many quick frames came before it.
+    BFramesPerSecondCounter quick(100.0);
+    for (int i = 0; i < 5; ++i)
+        quick.AddFrame();
+    Pause(100);
+    quick.AddFrame();
+    EXPECT_LT(quick.Fps(), 11.0);
+}
+
+TEST(Timing, CalendarNumbers) {
+    struct Case {
+        std::string name;
+        unsigned long got;
+        unsigned long want;
+    };
+    Date changed(20240101ul);
+    unsigned long const old = changed.ChangeDate(20250202ul);
+    std::vector<Case> const cases = {
+        {"date number", Date(31, 12, 2024).GetDate(), 20241231},
+        {"year modulo 10000", Date(1, 1, 12024).GetYear(), 2024},
+        {"month and day", Date(29, 2, 2024).GetMonth() * 100 + Date(29, 2, 2024).GetDay(), 229},
+        {"month modulo 100", Date(1, 113, 2024).GetDate(), 20241301},
+        {"ChangeDate returns the old number", old, 20240101},
+        {"ChangeDate sets", changed.GetDate(), 20250202},
+        {"time number", static_cast<unsigned long>(Time(23, 59, 59, 99).GetTime()), 23595999},
+        {"negative seconds", Time(-1234l).GetSec(), 12},
+        {"negative hundredths", Time(-1234l).Get100Sec(), 34},
+        {"hour", Time(7, 5, 3, 1).GetHour(), 7},
+        {"minute", Time(7, 5, 3, 1).GetMin(), 5},
+        {"minute modulo 10000 spills into the hour", Time(0, 19999, 0, 0).GetHour(), 99},
+        {"most negative number", Time(static_cast<long>(INT32_MIN)).GetHour(), 2147},
+    };
+    for (auto const& c : cases)
+        EXPECT_EQ(c.got, c.want) << c.name;
+    Date const today;
+    EXPECT_GE(today.GetYear(), 2024u);
+    EXPECT_LE(Time().GetHour(), 23u);
+}
+
+// Local calendar fields across month, year and leap-day edges, in UTC.
+TEST(Timing, LocalCalendarEdges) {
+    char const* const saved = std::getenv("TZ");
+    std::string const restore = saved ? saved : "";
+    setenv("TZ", "UTC", 1);
+    tzset();
+    struct Case {
+        std::string name;
+        long long seconds;
+        unsigned long date;
+        long time;
+    };
+    std::vector<Case> const cases = {
+        {"last of February in a leap year", 1709164799, 20240228, 23595999},
+        {"leap day", 1709164800, 20240229, 0},
+        {"end of the leap day", 1709251199, 20240229, 23595999},
+        {"March after a leap day", 1709251200, 20240301, 0},
+        {"end of February in a common year", 1677628799, 20230228, 23595999},
+        {"March after a common February", 1677628800, 20230301, 0},
+        {"leap day of a fourth century", 951825600, 20000229, 12000000},
+        {"no leap day in 2100", 4107542400, 21000301, 0},
+        {"end of a year", 946684799, 19991231, 23595999},
+        {"new year", 946684800, 20000101, 0},
+        {"end of a 30-day month", 1714521599, 20240430, 23595999},
+    };
+    for (auto const& c : cases) {
+        _SYSTEMTIME t{};
+        qv::platform::LocalTimeAt(c.seconds, 999999999, &t);
+        EXPECT_EQ(Date(t.wDay, t.wMonth, t.wYear).GetDate(), c.date) << c.name;
+        Time const time(t.wHour, t.wMinute, t.wSecond, t.wMilliseconds / 10 % 100);
+        EXPECT_EQ(time.GetTime(), c.time + (c.time % 100 == 0 ? 99 : 0)) << c.name;
+    }
+    if (saved)
+        setenv("TZ", restore.c_str(), 1);
+    else
+        unsetenv("TZ");
+    tzset();
+}
+
+// The profiler's subclass view, to start each test from a clean state.
+struct ProfilerAccess : BProfiler {
+    static void Reset() { Uninitialize(); }
+};
+
+std::u16string FromUtf16(std::string const& bytes) {
+    std::u16string text;
+    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2)
+        text += static_cast<char16_t>(static_cast<unsigned char>(bytes[i]) |
+                                      static_cast<unsigned char>(bytes[i + 1]) << 8);
+    return text;
+}
+
+bool IsDigit(char16_t c) {
+    return c >= u'0' && c <= u'9';
+}
+
+// A wall-clock line: "hh:mm:ss", zero-padded, then the rest as given.
+bool ClockLine(std::u16string const& line, std::u16string const& rest) {
+    for (int i : {0, 1, 3, 4, 6, 7})
+        if (line.size() < 8 || !IsDigit(line[i]))
+            return false;
+    return line[2] == u':' && line[5] == u':' && line.substr(8) == rest;
+}
+
+// A step line: milliseconds, then the rest as given.
+bool StepLine(std::u16string const& line, std::u16string const& rest) {
+    std::size_t digits = 0;
+    while (digits < line.size() && IsDigit(line[digits]))
+        ++digits;
+    return digits > 0 && line.substr(digits) == rest;
+}
+
+TEST(Timing, ProfilerLogFile) {
+    TempDir dir;
+    // A directory path through a regular file cannot be made: the lines wait in memory.
+    WriteBytes(dir / "blocker", "x");
+    BProfiler::SetLogfilePath(WString((dir.U("blocker") + u"/logs/").c_str()));
+    ProfilerAccess::Reset();
+    BProfiler::Stop(WString(u"nothing")); // no run: nothing
+    BProfiler::Step(WString());           // starts a run with an empty text
+    BProfiler::Start(WString(u"b"));      // stops the first run with the same text
+    BProfiler::SetLogfilePath(WString((dir.U("logs") + u"/").c_str()));
+    BProfiler::Stop(WString(u"c\u00e9"));
+    BProfiler::Stop(WString(u"again")); // no run: nothing
+    BProfiler::SetLogfilePath(WString());
+
+    Date const today;
+    std::string const name = std::to_string(today.GetYear()) + std::to_string(today.GetMonth()) +
+                             std::to_string(today.GetDay()) + ".log";
+    std::string const bytes = ReadBytes(dir / ("logs/" + name));
+    ASSERT_GE(bytes.size(), 2u) << name;
+    EXPECT_EQ(bytes.substr(0, 2), "\xFF\xFE");
+    std::u16string const text = FromUtf16(bytes.substr(2));
+    std::vector<std::u16string> lines;
+    for (std::size_t at = 0, end; (end = text.find(u"\r\n", at)) != std::u16string::npos;
+         at = end + 2)
+        lines.push_back(text.substr(at, end - at));
+    ASSERT_EQ(lines.size(), 5u);
+    EXPECT_EQ(text.substr(text.size() - 2), u"\r\n");
+    EXPECT_TRUE(ClockLine(lines[0], u"\tStart\t"));
+    EXPECT_TRUE(StepLine(lines[1], u"\tStep"));
+    EXPECT_TRUE(ClockLine(lines[2], u"\tStop\tb"));
+    EXPECT_TRUE(ClockLine(lines[3], u"\tStart\tb"));
+    EXPECT_TRUE(ClockLine(lines[4], u"\tStop\tc\u00e9")) << "UTF-16, not ANSI";
+    ProfilerAccess::Reset();
+}
+
+} // namespace
