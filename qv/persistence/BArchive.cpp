@@ -87,6 +87,21 @@ BArchive& BArchive::operator>>(BString& value) {
     return *this;
 }
 
+void BArchive::SkipString() {
+    unsigned char tag = 0;
+    if (ReadBytes(&tag, 1) != 1 || tag != 'S')
+        throw ARCHIVE_BAD_STRING;
+    std::uint32_t length = 0;
+    *this >> length;
+    char scratch[256];
+    for (std::uint32_t left = length; left > 0;) {
+        std::uint32_t piece = std::min<std::uint32_t>(left, sizeof scratch);
+        if (ReadBytes(scratch, piece) != piece)
+            return; // a short read is not reported, as for the string itself
+        left -= piece;
+    }
+}
+
 template <>
 BArchive& BArchive::operator<<(WString const& value) {
     std::int32_t count = Sizet_int(value.Length());

@@ -63,8 +63,16 @@ public:
         return *this;
     }
 
+    // Reads a narrow string as operator>> does and drops it, without making the string: for
+    // fields that a newer form no longer uses. Throws ARCHIVE_BAD_STRING as operator>> does.
+    void SkipString();
+
     // True when reading is possible: read mode on a good archive.
     bool CanRead() const { return Mode() == READ && IsGood(); }
+
+    // True when the reference forms leave fields null while reading and fill them in
+    // UpdateAssociations (the object archive); false when they deliver objects at once.
+    bool ResolvesLater() const { return IsObjectArchive(); }
 
     // The read function registered under the class name, or null.
     static NArchive::ReadFunction SmartObjReadFunction(BString className);
