@@ -26,6 +26,8 @@
 #include <qv/core/strings/WString.h>
 
 #include <qv/persistence/BArchive.h>
+#include <qv/persistence/BIStreamArchive.h>
+#include <qv/persistence/BOStreamArchive.h>
 #include <qv/persistence/BQuorvelArchive.h>
 #include <qv/persistence/BReadObjCallbackMap.h>
 #include <qv/persistence/Tupel.h>

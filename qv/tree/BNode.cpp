@@ -162,7 +162,25 @@ SP<BSmartObj> BNode::Read(BArchive& archive, int version) {
         archive >> node->m_text;
     if (version >= 2)
         archive.ReadObjectList(node->m_annotations);
+    if (!node->m_underLoad) {
+        // From a stream the references are objects already and no UpdateAssociations
+        // follows: a stored null, or an object of another class where a node or attribute
+        // belongs, leaves nothing in the lists. The children keep a null parent, as the
+        // stream holds no parent.
+        DropNulls(node->m_children);
+        DropNulls(node->m_attributes);
+        DropNulls(node->m_annotations);
+    }
     return node;
+}
+
+template <class T>
+void BNode::DropNulls(DList<SP<T>>& list) {
+    for (auto pos = list.HeadPosition(); pos.IsValid();)
+        if (*pos)
+            pos.Next();
+        else
+            list.RemoveAt(pos);
 }
 
 void BNode::UpdateAssociations(BArchive& archive) {

@@ -117,6 +117,8 @@ private:
     bool ClosesCycle(BNode const* target, std::unordered_set<BNode const*>& seen) const;
     template <class T>
     void DropNullsAndCycles(DList<SP<T>>& list, std::unordered_set<BNode const*>& seen);
+    template <class T>
+    static void DropNulls(DList<SP<T>>& list);
     void ClaimChildren(std::unordered_set<BNode const*>& seen);
     bool HasOwnChildren() const;
 
