@@ -33,6 +33,7 @@
 #include <qv/persistence/Tupel.h>
 
 #include <qv/tree/BAttribute.h>
+#include <qv/tree/BBank.h>
 #include <qv/tree/BNode.h>
 #include <qv/tree/BNodeAnnotationItr.h>
 #include <qv/tree/BNodeAttribItr.h>
