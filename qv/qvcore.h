@@ -27,6 +27,8 @@
 
 #include <qv/persistence/BArchive.h>
 #include <qv/persistence/BArchiveInspector.h>
+#include <qv/persistence/BIStreamArchive.h>
+#include <qv/persistence/BOStreamArchive.h>
 #include <qv/persistence/BQuorvelArchive.h>
 #include <qv/persistence/BReadObjCallbackMap.h>
 #include <qv/persistence/Tupel.h>
@@ -41,6 +43,7 @@
 #include <qv/profiles/TVariant.h>
 
 #include <qv/tree/BAttribute.h>
+#include <qv/tree/BBank.h>
 #include <qv/tree/BNode.h>
 #include <qv/tree/BNodeAnnotationItr.h>
 #include <qv/tree/BNodeAttribItr.h>

@@ -2,6 +2,8 @@
 #include <cstdint>
 #include <qv/core/Narrowing.h>
 #include <qv/persistence/BArchive.h>
+#include <qv/persistence/BIStreamArchive.h>
+#include <qv/persistence/BOStreamArchive.h>
 #include <qv/persistence/BQuorvelArchive.h>
 #include <string>
 #include <typeinfo>
@@ -33,12 +35,17 @@ unsigned long long ReadUnits(BArchive& archive, std::basic_string<Unit>& out,
     return out.size();
 }
 
-// The object archive behind an archive, or null. The class itself is the common case, and
+// The archive of a kind behind an archive, or null. The class itself is the common case, and
 // recognising it costs less than a cast through the hierarchy, which is paid per reference.
+template <class Kind>
+Kind* ArchiveOf(BArchive* archive) {
+    if (typeid(*archive) == typeid(Kind))
+        return static_cast<Kind*>(archive);
+    return dynamic_cast<Kind*>(archive);
+}
+
 BQuorvelArchive* ObjectArchive(BArchive* archive) {
-    if (typeid(*archive) == typeid(BQuorvelArchive))
-        return static_cast<BQuorvelArchive*>(archive);
-    return dynamic_cast<BQuorvelArchive*>(archive);
+    return ArchiveOf<BQuorvelArchive>(archive);
 }
 
 } // namespace
@@ -87,6 +94,21 @@ BArchive& BArchive::operator>>(BString& value) {
     return *this;
 }
 
+void BArchive::SkipString() {
+    unsigned char tag = 0;
+    if (ReadBytes(&tag, 1) != 1 || tag != 'S')
+        throw ARCHIVE_BAD_STRING;
+    std::uint32_t length = 0;
+    *this >> length;
+    char scratch[256];
+    for (std::uint32_t left = length; left > 0;) {
+        std::uint32_t piece = std::min<std::uint32_t>(left, sizeof scratch);
+        if (ReadBytes(scratch, piece) != piece)
+            return; // a short read is not reported, as for the string itself
+        left -= piece;
+    }
+}
+
 template <>
 BArchive& BArchive::operator<<(WString const& value) {
     std::int32_t count = Sizet_int(value.Length());
@@ -123,11 +145,23 @@ NArchive::ReadFunction BArchive::SmartObjReadFunction(BString className) {
     return NArchive::BReadObjCallbackMap::Instance().Find(className.CStr());
 }
 
-// The kind of an archive is found out from the object itself. The stream archives add their
-// own branches beside the object archive's: on writing an object in place, on reading
-// TakeOut("") converted to the field's type.
+// The kind of an archive is found out from the object itself. The stream archives have their
+// own branches beside the object archive's: on writing an object in place, on reading the
+// next object converted to the field's type.
 bool BArchive::IsObjectArchive() const {
     return ObjectArchive(const_cast<BArchive*>(this)) != nullptr;
+}
+
+BIStreamArchive* BArchive::StreamReader() {
+    return ArchiveOf<BIStreamArchive>(this);
+}
+
+bool BArchive::IsStreamWriter() const {
+    return ArchiveOf<BOStreamArchive>(const_cast<BArchive*>(this)) != nullptr;
+}
+
+SP<BSmartObj> BArchive::ReadInPlace(BIStreamArchive* stream, bool& ended) {
+    return stream->Next(ended);
 }
 
 unsigned long long BArchive::Number(BSmartObj* object) {
@@ -160,18 +194,23 @@ unsigned long long BArchive::ReadIndex() {
 }
 
 void BArchive::WriteRef(BSmartObj* object) {
-    if (!IsObjectArchive())
-        return;
-    WriteNumber(Number(object));
-    if (object)
-        Insert(object, nullptr);
+    if (IsObjectArchive()) {
+        WriteNumber(Number(object));
+        if (object)
+            Insert(object, nullptr);
+    } else if (IsStreamWriter()) {
+        Insert(object, nullptr); // the flag, and the object in place
+    }
 }
 
 void BArchive::ReadRef(void* field, bool load) {
-    auto* archive = ObjectArchive(this);
     unsigned long long number = 0;
-    if (archive && ReadNumber(number))
-        archive->NoteReference(field, number, load);
+    if (auto* archive = ObjectArchive(this)) {
+        if (ReadNumber(number))
+            archive->NoteReference(field, number, load);
+    } else if (StreamReader()) {
+        ReadNumber(number); // a plain reference: the stream holds 0, and the field stays null
+    }
 }
 
 void BArchive::NoteListElement(void* field, unsigned long long number) {

@@ -22,6 +22,8 @@ static_assert(std::endian::native == std::endian::little,
 // and the archive's header check catch it and count the file as invalid.
 enum ARCHIVE_EXCEPTION { ARCHIVE_BAD_STRING = 1 };
 
+class BIStreamArchive;
+
 class BArchive : public BSmartObj {
 public:
     enum MODE { READ = 0, WRITE = 1 };
@@ -63,8 +65,16 @@ public:
         return *this;
     }
 
+    // Reads a narrow string as operator>> does and drops it, without making the string: for
+    // fields that a newer form no longer uses. Throws ARCHIVE_BAD_STRING as operator>> does.
+    void SkipString();
+
     // True when reading is possible: read mode on a good archive.
     bool CanRead() const { return Mode() == READ && IsGood(); }
+
+    // True when the reference forms leave fields null while reading and fill them in
+    // UpdateAssociations (the object archive); false when they deliver objects at once.
+    bool ResolvesLater() const { return IsObjectArchive(); }
 
     // The read function registered under the class name, or null.
     static NArchive::ReadFunction SmartObjReadFunction(BString className);
@@ -95,6 +105,13 @@ public:
     // Lists are DLists or have their shape: Count(), RemoveAll(), AddTail(value), walkable by
     // range-for, with elements that keep their addresses while the list lives.
     //
+    // On a stream archive the object is written in place of its number: WriteObjectRef is
+    // Insert(object, nullptr) on the writer, which writes the flag and, for an object, the
+    // object itself; ReadObjectRef is the reader's next object, converted to the field's
+    // type, and the resolve forms find nothing to do. The list forms keep their count in
+    // front. WriteIndex writes the number 0 there, ReadIndex reads it and leaves the field
+    // null: a stream has no numbers.
+    //
     // On an archive that is neither an object archive nor a stream archive, the object and
     // list forms do nothing; WriteIndex and ReadIndex() work on every archive.
     template <class P>
@@ -117,6 +134,11 @@ public:
     template <class T>
     void ReadObjectRef(SP<T>& field) {
         field = nullptr;
+        if (BIStreamArchive* stream = StreamReader()) {
+            bool ended = false;
+            field = ReadInPlace(stream, ended);
+            return;
+        }
         ReadRef(&field, true);
     }
     template <class List>
@@ -149,6 +171,10 @@ public:
     }
 
 protected:
+    // Reads a reference number in the width of the format; false if the source had fewer
+    // bytes than the width.
+    bool ReadNumber(unsigned long long& number);
+
     // Windows into a buffer of the concrete archive: bytes it has read ahead, or room it has
     // for bytes to write. A value that fits is copied there without the virtual calls of the
     // general path, which is taken when the window is empty or too small; that path refills
@@ -197,12 +223,15 @@ private:
     unsigned long long Number(BSmartObj* object);
     void WriteNumber(unsigned long long number);
     void WriteRef(BSmartObj* object);
-    // Reads a number; false if the source had fewer bytes than its width.
-    bool ReadNumber(unsigned long long& number);
     void ReadRef(void* field, bool load);
     // On an object archive only: the number of a list element under load.
     void NoteListElement(void* field, unsigned long long number);
     bool IsObjectArchive() const;
+    // Which kind of archive the reference forms meet; the stream reader or writer, or null.
+    BIStreamArchive* StreamReader();
+    bool IsStreamWriter() const;
+    // The reader's next object for a reference; ended when not even its flag could be read.
+    static SP<BSmartObj> ReadInPlace(BIStreamArchive* stream, bool& ended);
     SP<BSmartObj> Resolve(void* field, bool& noted);
 
     template <class T>
@@ -230,7 +259,7 @@ BArchive& BArchive::operator>>(WString& value);
 
 template <class List>
 void BArchive::WriteObjectList(List const& list) {
-    if (!IsObjectArchive())
+    if (!IsObjectArchive() && !IsStreamWriter())
         return;
     *this << static_cast<std::int32_t>(list.Count());
     for (auto const& element : list)
@@ -239,6 +268,22 @@ void BArchive::WriteObjectList(List const& list) {
 
 template <class List>
 void BArchive::ReadObjectList(List& list) {
+    if (BIStreamArchive* stream = StreamReader()) {
+        std::int32_t count = 0;
+        *this >> count;
+        list.RemoveAll();
+        // Elements are appended as they arrive, and the list ends where the file does: a
+        // damaged count must not make us append billions of nulls.
+        using Element = std::remove_cvref_t<decltype(*list.begin())>;
+        for (std::int32_t i = 0; i < count; ++i) {
+            bool ended = false;
+            Element element = ReadInPlace(stream, ended);
+            if (ended)
+                break;
+            list.AddTail(element);
+        }
+        return;
+    }
     if (!IsObjectArchive())
         return;
     std::int32_t count = 0;

@@ -7,6 +7,8 @@
 #include <qv/platform/TextServices.h>
 #include <qv/tree/BNode.h>
 #include <qv/tree/BVisitor.h>
+#include <typeinfo>
+#include <unordered_set>
 #include <vector>
 
 QV_REGISTER_CLASSNAME(BNode);
@@ -136,11 +138,16 @@ void BNode::WriteData(BArchive& archive) const {
 
 SP<BSmartObj> BNode::Read(BArchive& archive, int version) {
     SP<BNode> node = new BNode;
+    node->m_underLoad = archive.ResolvesLater();
     archive.ReadObjectRef(node->m_object);
     archive.ReadObjectList(node->m_children);
     archive.ReadObjectList(node->m_attributes);
+    // The narrow text is only the text of the first format; later ones carry it wide.
     BString narrow;
-    archive >> narrow;
+    if (version == 0)
+        archive >> narrow;
+    else
+        archive.SkipString();
     // The stored parent is read and passed over: a node's parent is the node whose child list
     // holds it, which UpdateAssociations establishes. In every file the library writes the two
     // agree; in a damaged one, trusting the stored number could make a node its own ancestor.
@@ -155,7 +162,25 @@ SP<BSmartObj> BNode::Read(BArchive& archive, int version) {
         archive >> node->m_text;
     if (version >= 2)
         archive.ReadObjectList(node->m_annotations);
+    if (!node->m_underLoad) {
+        // From a stream the references are objects already and no UpdateAssociations
+        // follows: a stored null, or an object of another class where a node or attribute
+        // belongs, leaves nothing in the lists. The children keep a null parent, as the
+        // stream holds no parent.
+        DropNulls(node->m_children);
+        DropNulls(node->m_attributes);
+        DropNulls(node->m_annotations);
+    }
     return node;
+}
+
+template <class T>
+void BNode::DropNulls(DList<SP<T>>& list) {
+    for (auto pos = list.HeadPosition(); pos.IsValid();)
+        if (*pos)
+            pos.Next();
+        else
+            list.RemoveAt(pos);
 }
 
 void BNode::UpdateAssociations(BArchive& archive) {
@@ -164,25 +189,84 @@ void BNode::UpdateAssociations(BArchive& archive) {
     archive.ResolveObjectList(m_children);
     archive.ResolveObjectList(m_attributes);
     archive.ResolveObjectList(m_annotations);
-    // A loaded node owns other nodes through its child list only. A node as object,
-    // attribute or annotation comes from a damaged file (or from a graph the Windows library
-    // would leak) and could close a cycle of owners that nothing ever frees; it is dropped.
-    if (dynamic_cast<BNode*>(m_object.get()))
+    // A node may hold another node as its object, attribute or annotation (a free-standing
+    // node, a sibling): every such association is kept. Only one that would close a cycle of
+    // owners goes, since such a cycle keeps itself alive for ever; in a file the library writes
+    // from a tree built by calls there is none, so this drops nothing but what a damaged file
+    // adds.
+    std::unordered_set<BNode const*>& seen = OwnedScratch();
+    seen.clear();
+    if (ClosesCycle(AsNode(m_object.get()), seen))
         m_object = nullptr;
-    ClaimChildren();
-    DropNullsAndNodes(m_attributes);
-    DropNullsAndNodes(m_annotations);
+    ClaimChildren(seen);
+    DropNullsAndCycles(m_attributes, seen);
+    DropNullsAndCycles(m_annotations, seen);
+    m_underLoad = false;
 }
 
-void BNode::ClaimChildren() {
+BNode const* BNode::AsNode(BSmartObj const* object) {
+    if (!object)
+        return nullptr;
+    // Most objects of a tree are not nodes; the exact class is told without a cast through
+    // the hierarchy.
+    if (typeid(*object) == typeid(BNode))
+        return static_cast<BNode const*>(object);
+    return dynamic_cast<BNode const*>(object);
+}
+
+std::unordered_set<BNode const*>& BNode::OwnedScratch() {
+    thread_local std::unordered_set<BNode const*> scratch;
+    return scratch;
+}
+
+bool BNode::ClosesCycle(BNode const* target, std::unordered_set<BNode const*>& seen) const {
+    // Would this node, owning target, own itself? That is so when target already owns this
+    // node, directly or through other nodes. A node still under load owns nothing yet (its
+    // references are numbers until its own turn comes), so a tree loaded top down costs no
+    // walk at all. seen holds the nodes that earlier checks of this node walked and found not
+    // to lead here; since a new association starts at this node, none of them can lead here
+    // later either, so each node is walked at most once per resolved node.
+    if (!target)
+        return false;
+    if (target == this)
+        return true;
+    std::vector<BNode const*> pending{target};
+    while (!pending.empty()) {
+        BNode const* node = pending.back();
+        pending.pop_back();
+        if (node->m_underLoad || !seen.insert(node).second)
+            continue;
+        bool found = false;
+        auto visit = [&](BSmartObj const* owned) {
+            BNode const* next = AsNode(owned);
+            found = found || next == this;
+            if (next && !found)
+                pending.push_back(next);
+        };
+        visit(node->m_object.get());
+        for (SP<BNode> const& child : node->m_children)
+            visit(child.get());
+        for (SP<BAttribute> const& attribute : node->m_attributes)
+            visit(attribute.get());
+        for (SP<BSmartObj> const& annotation : node->m_annotations)
+            visit(annotation.get());
+        if (found) {
+            // The nodes walked on the way lead here: they are no longer known not to.
+            seen.clear();
+            return true;
+        }
+    }
+    return false;
+}
+
+void BNode::ClaimChildren(std::unordered_set<BNode const*>& seen) {
     // Entries that found no object are dropped, so that every walk of the list may rely on
-    // real nodes. A child that another list has claimed already, or one that would become its
-    // own ancestor, comes only from a damaged file; it is dropped too, so the loaded tree keeps
-    // every invariant of a tree built by calls.
+    // real nodes. A child that another list has claimed already, or one that would own this
+    // node, comes only from a damaged file; it is dropped too, so the loaded tree keeps every
+    // invariant of a tree built by calls.
     for (auto pos = m_children.HeadPosition(); pos.IsValid();) {
         BNode* child = *pos;
-        if (!child || child->m_place.IsValid() || child == this ||
-            (child->HasOwnChildren() && child->IsGrandParent(this))) {
+        if (!child || child->m_place.IsValid() || ClosesCycle(child, seen)) {
             m_children.RemoveAt(pos);
             continue;
         }
@@ -193,16 +277,16 @@ void BNode::ClaimChildren() {
 }
 
 bool BNode::HasOwnChildren() const {
-    // Only a node that parents a child can be above another. A loaded node parents nothing
-    // until its own ClaimChildren has run, so loading a deep chain walks no chains.
+    // Only a node that parents a child can be above another, so adding a fresh node costs no
+    // walk up the tree.
     auto head = m_children.HeadPosition();
     return head.IsValid() && *head && (*head)->m_parent == this;
 }
 
 template <class T>
-void BNode::DropNullsAndNodes(DList<SP<T>>& list) {
+void BNode::DropNullsAndCycles(DList<SP<T>>& list, std::unordered_set<BNode const*>& seen) {
     for (auto pos = list.HeadPosition(); pos.IsValid();)
-        if (*pos && !dynamic_cast<BNode*>(pos->get()))
+        if (*pos && !ClosesCycle(AsNode(pos->get()), seen))
             pos.Next();
         else
             list.RemoveAt(pos);

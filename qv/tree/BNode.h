@@ -7,6 +7,7 @@
 #include <qv/core/BSmartObj.h>
 #include <qv/core/containers/DList.h>
 #include <qv/tree/BAttribute.h>
+#include <unordered_set>
 
 class BVisitor;
 
@@ -110,9 +111,15 @@ private:
     BNode* FindChild(WString const& text) const;
     template <class T>
     static bool RemoveFrom(DList<SP<T>>& list, T const* element);
+    // Loading: associations that would make a node own itself are dropped.
+    static BNode const* AsNode(BSmartObj const* object);
+    static std::unordered_set<BNode const*>& OwnedScratch();
+    bool ClosesCycle(BNode const* target, std::unordered_set<BNode const*>& seen) const;
     template <class T>
-    static void DropNullsAndNodes(DList<SP<T>>& list);
-    void ClaimChildren();
+    void DropNullsAndCycles(DList<SP<T>>& list, std::unordered_set<BNode const*>& seen);
+    template <class T>
+    static void DropNulls(DList<SP<T>>& list);
+    void ClaimChildren(std::unordered_set<BNode const*>& seen);
     bool HasOwnChildren() const;
 
     SP<BSmartObj> m_object;
@@ -127,4 +134,7 @@ private:
     bool m_active = true;
     bool m_locked = false;
     bool m_messageDispatcher = true;
+    // Set by Read while the reference fields still wait for their objects, cleared once
+    // UpdateAssociations has put them in: such a node owns nothing yet.
+    bool m_underLoad = false;
 };

@@ -201,18 +201,76 @@ TEST_F(NodeArchiveTest, UnreadableStringInsideARecordGivesNull) {
     EXPECT_TRUE(archive.TakeOut("good")) << "the archive goes on with other records";
 }
 
-TEST_F(NodeArchiveTest, LoadedNodesOwnNodesThroughChildrenOnly) {
-    // Node 1 is its own object and annotates node 2, which is its child: both would close a
-    // cycle of owners.
-    std::string const data = Le64(1) + Le32(1) + Le64(2) + Le32(0) + Str("1") + Le64(0) + "\1" +
-                             WStr("1") + Le32(1) + Le64(2);
-    std::string file = NodeHeader();
-    file += NodeRecord("1", "one", 2, data);
-    file += NodeRecord("2", "", 2, NodeData("2", "2", 1, {}));
-    Write(file);
-    SP<BNode> one = Load("one");
-    ASSERT_TRUE(one);
-    EXPECT_EQ(one->GetObj(), nullptr);
-    EXPECT_EQ(one->AnnotationNum(), 0);
-    EXPECT_EQ(one->ChildNum(), 1);
+// The associations of a node record in the file: object, children and annotations by number.
+struct Links {
+    std::uint64_t object = 0;
+    std::vector<std::uint64_t> children;
+    std::vector<std::uint64_t> annotations;
+};
+
+std::string LinkedNodeData(std::string const& text, Links const& links) {
+    std::string b = Le64(links.object) + Le32(static_cast<std::uint32_t>(links.children.size()));
+    for (auto c : links.children)
+        b += Le64(c);
+    b += Le32(0) + Str(text) + Le64(0) + "\1" + WStr(text) +
+         Le32(static_cast<std::uint32_t>(links.annotations.size()));
+    for (auto a : links.annotations)
+        b += Le64(a);
+    return b;
+}
+
+// A node's associations as text: its text, then the texts of a node object and of node
+// annotations, then its children in brackets.
+std::string Shape(BNode const* node) {
+    std::string out(WString(node->GetText()).AsString().View());
+    if (auto* object = dynamic_cast<BNode*>(node->GetObj()))
+        out += " o" + std::string(WString(object->GetText()).AsString().View());
+    for (SP<BSmartObj> const& annotation : node->Annotations())
+        out +=
+            " a" + std::string(
+                       WString(static_cast<BNode*>(annotation.get())->GetText()).AsString().View());
+    if (node->ChildNum()) {
+        out += " (";
+        for (int i = 0; i < node->ChildNum(); ++i)
+            out += (i ? ", " : "") + Shape(node->Child(i));
+        out += ")";
+    }
+    return out;
+}
+
+TEST_F(NodeArchiveTest, NodesHeldAsObjectsOrAnnotationsComeBackUnlessTheyCloseACycle) {
+    struct Row {
+        char const* name;
+        std::vector<Links> nodes; // node i has the id and text i + 1; node 1 is taken out
+        char const* shape;
+    };
+    Row const rows[] = {
+        {"free node as object", {{2, {}, {}}, {}}, "1 o2"},
+        {"free node as annotation", {{0, {}, {2}}, {}}, "1 a2"},
+        {"sibling as object", {{0, {2, 3}, {}}, {3, {}, {}}, {}}, "1 (2 o3, 3)"},
+        {"sibling as annotation", {{0, {2, 3}, {}}, {0, {}, {3}}, {}}, "1 (2 a3, 3)"},
+        {"own child as annotation", {{0, {2}, {2}}, {}}, "1 a2 (2)"},
+        {"shared node object",
+         {{0, {2, 3}, {}}, {4, {}, {}}, {4, {}, {4}}, {}},
+         "1 (2 o4, 3 o4 a4)"},
+        {"node object with children", {{2, {}, {}}, {0, {3}, {}}, {}}, "1 o2"},
+        {"itself as object", {{1, {}, {}}}, "1"},
+        {"itself as annotation", {{0, {}, {1}}}, "1"},
+        {"ancestor as object", {{0, {2}, {}}, {0, {3}, {}}, {1, {}, {}}}, "1 (2 (3))"},
+        {"ancestor as annotation", {{0, {2}, {}}, {0, {}, {1}}}, "1 (2)"},
+        {"each other's object", {{2, {}, {}}, {1, {}, {}}}, "1 o2"},
+        {"cycle through a child's object", {{0, {2}, {}}, {3, {}, {}}, {0, {}, {1}}}, "1 (2 o3)"},
+    };
+    for (Row const& row : rows) {
+        std::string file = NodeHeader();
+        for (std::size_t i = 0; i < row.nodes.size(); ++i) {
+            std::string id = std::to_string(i + 1);
+            file += NodeRecord(id, i == 0 ? "one" : "", 2, LinkedNodeData(id, row.nodes[i]));
+        }
+        Write(file);
+        SP<BNode> one = Load("one");
+        ASSERT_TRUE(one) << row.name;
+        EXPECT_EQ(Shape(one), row.shape) << row.name;
+        // LeakSanitizer checks that no cycle of owners was built.
+    }
 }

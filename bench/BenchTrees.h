@@ -1,0 +1,131 @@
+// The tree that the archive benchmarks store and load, on our side and in the form
+// Boost.Serialization stores, and a measure of the heap a loaded tree takes. A tree of n nodes
+// is a root with n / 100 branches of 99 leaves; every tenth node holds one shared object.
+#pragma once
+
+#include <benchmark/benchmark.h>
+#include <malloc.h>
+#include <qv/persistence/BReadObjCallbackMap.h>
+#include <qv/tree/BNode.h>
+
+#ifdef QV_BENCH_WITH_BOOST
+#include <boost/serialization/shared_ptr.hpp>
+#include <boost/serialization/string.hpp>
+#include <boost/serialization/vector.hpp>
+#endif
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace bench_trees {
+
+inline std::string TempFile(char const* name) {
+    return (std::filesystem::temp_directory_path() / name).string();
+}
+
+// Bytes of the heap in use now, as the allocator counts them.
+inline double HeapInUse() {
+    return static_cast<double>(mallinfo2().uordblks);
+}
+
+// The sizes, the unit and the running time every case shares. Every case runs for at least a
+// second: at the default half second a tree of 1,000,000 nodes is written or loaded only
+// twice, and the first pass over heap pages freshly taken from the system (after the setup's
+// own tree) then weighs as much as the work itself, on both sides.
+inline void Sizes(benchmark::internal::Benchmark* b) {
+    b->Arg(10000)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond)->MinTime(1.0);
+}
+
+class BCalibrationValue : public BSmartObj {
+public:
+    QV_DECLARE_CLASSNAME(BCalibrationValue)
+    void WriteData(BArchive& archive) const override { archive << m_scale << m_offset; }
+    static SP<BSmartObj> Read(BArchive& archive, int) {
+        SP<BCalibrationValue> value = new BCalibrationValue;
+        archive >> value->m_scale >> value->m_offset;
+        return value;
+    }
+    double m_scale = 1.0, m_offset = 0.0;
+};
+[[maybe_unused]] inline bool const classNamed =
+    ClassNameRegistry::Register(typeid(BCalibrationValue), BCalibrationValue::CLASSNAME());
+[[maybe_unused]] inline bool const registered =
+    (RegisterArchiveCallback(BCalibrationValue::CLASSNAME(), &BCalibrationValue::Read), true);
+
+inline SP<BNode> BuildTree(long nodes) {
+    SP<BCalibrationValue> shared = new BCalibrationValue;
+    SP<BNode> root = new BNode;
+    root->IsMessageDispatcher(false);
+    long made = 1;
+    while (made < nodes) {
+        SP<BNode> branch = new BNode;
+        branch->SetText(WString(BString("branch")));
+        root->AddChild(branch, -1);
+        for (int leaf = 0; leaf < 99 && ++made < nodes; ++leaf) {
+            SP<BNode> node = new BNode(made % 10 == 0 ? shared.get() : nullptr);
+            node->SetText(u"leaf");
+            branch->AddChild(node, -1);
+        }
+        ++made;
+    }
+    return root;
+}
+
+#ifdef QV_BENCH_WITH_BOOST
+// The same tree in the form Boost.Serialization stores: shared pointers are tracked, so the
+// shared object is written once, and the parent is a tracked raw pointer.
+struct Calibration {
+    double scale = 1.0, offset = 0.0;
+    template <class A>
+    void serialize(A& a, unsigned) {
+        a& scale& offset;
+    }
+};
+
+struct Node {
+    std::string narrowText;
+    std::u16string text;
+    std::shared_ptr<Calibration> object;
+    std::vector<std::shared_ptr<Node>> children;
+    Node* parent = nullptr;
+    bool active = true, locked = false;
+    template <class A>
+    void serialize(A& a, unsigned) {
+        a& narrowText& object& children& parent& active& locked;
+        std::size_t n = text.size();
+        a& n;
+        text.resize(n);
+        for (char16_t& c : text)
+            a& reinterpret_cast<std::uint16_t&>(c);
+    }
+};
+
+inline std::shared_ptr<Node> BuildBoostTree(long nodes) {
+    auto shared = std::make_shared<Calibration>();
+    auto root = std::make_shared<Node>();
+    long made = 1;
+    while (made < nodes) {
+        auto branch = std::make_shared<Node>();
+        branch->text = u"branch";
+        branch->narrowText = "branch";
+        branch->parent = root.get();
+        root->children.push_back(branch);
+        for (int leaf = 0; leaf < 99 && ++made < nodes; ++leaf) {
+            auto node = std::make_shared<Node>();
+            node->text = u"leaf";
+            node->narrowText = "leaf";
+            node->parent = branch.get();
+            if (made % 10 == 0)
+                node->object = shared;
+            branch->children.push_back(node);
+        }
+        ++made;
+    }
+    return root;
+}
+
+#endif
+
+} // namespace bench_trees

@@ -1,0 +1,272 @@
+// Stream archives through real files: the header and object form byte for byte, nodes and
+// other objects in place, the fixed results of each direction and every failure.
+#include "persistence/ArchiveFiles.h"
+#include "platform/FileTestSupport.h"
+
+#include <functional>
+#include <gtest/gtest.h>
+#include <qv/core/BError.h>
+#include <qv/persistence/BIStreamArchive.h>
+#include <qv/persistence/BOStreamArchive.h>
+#include <qv/tree/BNode.h>
+#include <string>
+
+namespace {
+
+using namespace archive_files;
+
+std::string const kId("\x7A\x9F\xB8\x18\xD3\x86\xF8\x44\xA3\x85\x4F\xE4\x83\x31\xC3\x62", 16);
+std::string const kEA(8, '\xEA');
+
+std::string StreamHeader(std::string_view name) {
+    return Le64(16) + kId + WStr("BStreamArchive") + Le32(9) + WStr(name);
+}
+// A stream object: the flag, the prefix with id "0" and the unfilled size, then the data.
+std::string StreamObject(std::string_view name, std::string_view className, int version,
+                         std::string const& data) {
+    return Le64(1) + Str("0") + Str(name) + Str(className) +
+           Le32(static_cast<std::uint32_t>(version)) + kEA + data;
+}
+// A node without object, attributes or annotations; its children follow in place.
+std::string StreamNode(std::string_view text, std::vector<std::string> const& children = {},
+                       unsigned flags = 1) {
+    std::string b = Le64(0) + Le32(static_cast<std::uint32_t>(children.size()));
+    for (auto const& c : children)
+        b += c;
+    b += Le32(0) + Str(text) + Le64(0) + static_cast<char>(flags) + WStr(text) + Le32(0);
+    return StreamObject("", "class BNode", 2, b);
+}
+
+struct Counted : BSmartObj {
+    QV_DECLARE_CLASSNAME(Counted)
+    void WriteData(BArchive& a) const override { a << value; }
+    bool VerifyObj() override {
+        ++verified;
+        return false; // the stream reader asks and does not heed the answer
+    }
+    static SP<BSmartObj> Read(BArchive& a, int) {
+        SP<Counted> c = new Counted;
+        a >> c->value;
+        return c;
+    }
+    std::int32_t value = 0;
+    int verified = 0;
+};
+QV_REGISTER_CLASSNAME(Counted);
+[[maybe_unused]] bool const registered =
+    (RegisterArchiveCallback(Counted::CLASSNAME(), &Counted::Read), true);
+
+class StreamArchiveTest : public ::testing::Test {
+protected:
+    WString Path() const { return WString(path.c_str()); }
+    std::string Bytes() const { return ReadBytes(dir / "s.qvs"); }
+    void Write(std::string const& bytes) const { WriteBytes(dir / "s.qvs", bytes); }
+    void Store(std::function<void(BOStreamArchive&)> const& fill, char16_t const* name = u"N") {
+        BOStreamArchive out(Path(), name);
+        ASSERT_TRUE(out.IsGood());
+        fill(out);
+    }
+
+    TempDir dir;
+    std::u16string path = dir.U("s.qvs");
+};
+
+} // namespace
+
+TEST_F(StreamArchiveTest, FilesAreWrittenByteForByte) {
+    SP<BNode> root = new BNode;
+    root->SetText(u"r");
+    root->QueryChild(u"a");
+    SP<Counted> counted = new Counted;
+    counted->value = 7;
+    struct Row {
+        char const* name;
+        char16_t const* archiveName;
+        std::function<void(BOStreamArchive&)> fill;
+        std::string body;
+    } const rows[] = {
+        {"empty archive", u"", [](BOStreamArchive&) {}, ""},
+        {"null object", u"N", [](BOStreamArchive& a) { a.Insert(nullptr, "x"); }, Le64(0)},
+        {"named object", u"Scan \u00fc", [&](BOStreamArchive& a) { a.Insert(counted, "one"); },
+         StreamObject("one", "class Counted", 0, Le32(7))},
+        {"node tree in place", u"N", [&](BOStreamArchive& a) { a.Insert(root, nullptr); },
+         StreamNode("r", {StreamNode("a")})},
+    };
+    for (Row const& row : rows) {
+        Store(row.fill, row.archiveName);
+        std::string bytes = Bytes();
+        ASSERT_GE(bytes.size(), 24u) << row.name;
+        EXPECT_EQ(bytes.substr(0, 24), Le64(16) + kId) << row.name;
+        std::string header = Le64(16) + kId + WStr("BStreamArchive") + Le32(9);
+        std::string name = Le32(static_cast<std::uint32_t>(std::u16string(row.archiveName).size()));
+        for (char16_t u : std::u16string(row.archiveName))
+            name += Le(u, 2);
+        EXPECT_EQ(bytes, header + name + row.body) << row.name;
+    }
+}
+
+TEST_F(StreamArchiveTest, ObjectsComeBackInOrderWhateverTheName) {
+    SP<Counted> shared = new Counted;
+    shared->value = 5;
+    SP<BNode> root = new BNode;
+    root->SetText(u"root");
+    root->QueryChild(u"a/b")->SetObj(shared);
+    root->QueryChild(u"c")->SetObj(shared);
+    root->Child(u"c")->Lock(true);
+    root->Child(u"a")->Deactivate();
+    Store([&](BOStreamArchive& a) {
+        a.Insert(nullptr, "nothing");
+        a.Insert(root, "tree");
+        a.Insert(shared, "shared");
+    });
+
+    BIStreamArchive in(Path(), u"N");
+    ASSERT_TRUE(in.IsGood());
+    EXPECT_FALSE(in.TakeOut("tree")) << "the first object is the stored null";
+    SP<BNode> tree = in.TakeOut("no such name");
+    ASSERT_TRUE(tree);
+    EXPECT_EQ(WString(tree->GetText()), WString(u"root"));
+    ASSERT_EQ(tree->ChildNum(), 2);
+    BNode* a = tree->Child(0);
+    BNode* c = tree->Child(1);
+    ASSERT_EQ(a->ChildNum(), 1);
+    BNode* b = a->Child(0);
+    EXPECT_FALSE(a->IsActive());
+    EXPECT_TRUE(c->IsLocked());
+    for (BNode* node : {tree.get(), a, b, c})
+        EXPECT_EQ(node->Parent(), nullptr) << "a stream holds no parents";
+    ASSERT_TRUE(b->GetObj() && c->GetObj());
+    EXPECT_NE(b->GetObj(), c->GetObj()) << "an object reached twice comes back twice";
+    EXPECT_EQ(static_cast<Counted*>(c->GetObj())->value, 5);
+    SP<Counted> last = in.TakeOut("");
+    ASSERT_TRUE(last);
+    EXPECT_EQ(last->verified, 1) << "VerifyObj is asked once";
+    EXPECT_FALSE(in.TakeOut("")) << "the end of the file gives null";
+    EXPECT_TRUE(in.IsGood());
+}
+
+TEST_F(StreamArchiveTest, FixedResultsOfEachDirection) {
+    Store([](BOStreamArchive&) {});
+    BIStreamArchive in(Path(), u"N");
+    BOStreamArchive out(WString(dir.U("out.qvs").c_str()), u"N");
+    char byte = 'x';
+    BArchive* archives[] = {&out, &in};
+    for (BArchive* a : archives) {
+        bool reader = a == &in;
+        SCOPED_TRACE(reader ? "reader" : "writer");
+        EXPECT_EQ(a->Version(), 9);
+        EXPECT_EQ(a->Mode(), reader ? BArchive::READ : BArchive::WRITE);
+        EXPECT_FALSE(a->QueryObject(&byte));
+        EXPECT_EQ(a->MapPointerToIndex(&byte), 0u);
+        EXPECT_TRUE(a->VerifyObjects());
+        EXPECT_FALSE(a->Force64bitFormat());
+        EXPECT_EQ(a->ReadMemoryBlock(&byte, 0), 0u);
+        EXPECT_EQ(a->WriteMemoryBlock(&byte, 0), 0u);
+        EXPECT_EQ((reader ? a->WriteMemoryBlock(&byte, 1) : a->ReadMemoryBlock(&byte, 1)), 0u);
+        try {
+            a->ThrowError();
+            ADD_FAILURE() << "ThrowError returned";
+        } catch (BError const& e) {
+            EXPECT_EQ(e.Error(), 31182);
+            EXPECT_EQ(e.Argument(0), WString(reader ? u"BIStreamArchive" : u"BOStreamArchive"));
+        }
+    }
+    EXPECT_FALSE(out.TakeOut("x"));
+    try {
+        in.Insert(nullptr, "x");
+        ADD_FAILURE() << "Insert on a reader returned";
+    } catch (BError const& e) {
+        EXPECT_EQ(e.Argument(0), WString(u"BIStreamArchive - invalid method"));
+    }
+    EXPECT_EQ(in.Path(), Path());
+}
+
+TEST_F(StreamArchiveTest, DamagedAndForeignFiles) {
+    std::string const good = StreamHeader("N");
+    enum Outcome { kGood, kNotGood, kThrows };
+    struct Row {
+        char const* name;
+        std::string bytes;
+        Outcome outcome;
+    } const rows[] = {
+        {"good header", good, kGood},
+        {"empty file", "", kThrows},
+        {"short first number", Le32(16), kThrows},
+        {"other first number", Le64(17) + good.substr(8), kThrows},
+        {"wrong identifier", Le64(16) + std::string(16, '\0') + good.substr(24), kNotGood},
+        {"short identifier", Le64(16) + kId.substr(0, 5), kNotGood},
+        {"wrong format name", Le64(16) + kId + WStr("BStreamArchivf") + Le32(9) + WStr("N"),
+         kNotGood},
+        {"older version", Le64(16) + kId + WStr("BStreamArchive") + Le32(8) + WStr("N"), kNotGood},
+        {"other archive name", StreamHeader("M"), kNotGood},
+        {"name in other case", StreamHeader("n"), kNotGood},
+    };
+    for (Row const& row : rows) {
+        Write(row.bytes);
+        if (row.outcome == kThrows) {
+            EXPECT_THROW(BIStreamArchive(Path(), u"N"), BError) << row.name;
+            continue;
+        }
+        BIStreamArchive in(Path(), u"N");
+        EXPECT_EQ(in.IsGood(), row.outcome == kGood) << row.name;
+        EXPECT_FALSE(in.TakeOut("")) << row.name;
+    }
+    BIStreamArchive missing(WString(dir.U("missing.qvs").c_str()), u"N");
+    EXPECT_FALSE(missing.IsGood());
+    BOStreamArchive unwritable(WString(dir.U("no/such/dir.qvs").c_str()), u"N");
+    EXPECT_FALSE(unwritable.IsGood());
+    EXPECT_THROW(unwritable.Insert(nullptr, nullptr), BError);
+}
+
+TEST_F(StreamArchiveTest, DamagedObjects) {
+    std::string deep = StreamNode("leaf");
+    for (int i = 0; i < 2100; ++i)
+        deep = StreamNode("n", {deep});
+    enum Outcome { kNull, kNode, kThrows };
+    struct Row {
+        char const* name;
+        std::string objects;
+        Outcome outcome;
+        int children = 0;
+    } const rows[] = {
+        {"unknown class", StreamObject("", "class Nobody", 0, ""), kThrows},
+        {"class without its prefix word", StreamObject("", "BNode", 2, ""), kThrows},
+        {"prefix not a string", Le64(1) + "X", kNull},
+        {"prefix cut short", Le64(1) + Str("0") + Str(""), kNull},
+        {"flag cut short", Le32(1), kNull},
+        {"node cut before its text", StreamNode("abc").substr(0, 63), kNull},
+        {"child count beyond the file",
+         StreamObject("", "class BNode", 2, Le64(0) + Le32(0x7FFFFFFF)) + StreamNode("a"), kNull},
+        {"null children are dropped",
+         StreamObject("", "class BNode", 2,
+                      Le64(0) + Le32(2) + Le64(0) + StreamNode("a") + Le32(0) + Str("p") + Le64(0) +
+                          "\1" + WStr("p") + Le32(0)),
+         kNode, 1},
+        {"nesting too deep", deep, kThrows},
+    };
+    for (Row const& row : rows) {
+        Write(StreamHeader("N") + row.objects);
+        BIStreamArchive in(Path(), u"N");
+        ASSERT_TRUE(in.IsGood()) << row.name;
+        if (row.outcome == kThrows) {
+            EXPECT_THROW(in.TakeOut(""), BError) << row.name;
+            continue;
+        }
+        SP<BNode> node;
+        EXPECT_NO_THROW(node = in.TakeOut("")) << row.name;
+        EXPECT_EQ(node != nullptr, row.outcome == kNode) << row.name;
+        EXPECT_EQ(in.IsGood(), true) << row.name;
+        if (node) {
+            EXPECT_EQ(node->ChildNum(), row.children) << row.name;
+        }
+    }
+}
+
+TEST_F(StreamArchiveTest, WritingTooDeepAStructureThrows) {
+    SP<BNode> root = new BNode;
+    BNode* tip = root;
+    for (int i = 0; i < 2100; ++i)
+        tip = tip->QueryChild(u"n");
+    BOStreamArchive out(Path(), u"N");
+    EXPECT_THROW(out.Insert(root, nullptr), BError);
+}

@@ -1,0 +1,168 @@
+// Banks: the path syntax, composing and taking apart paths, paths to nodes and back.
+#include <gtest/gtest.h>
+#include <qv/tree/BBank.h>
+#include <qv/tree/BNodeItr.h>
+#include <string>
+
+namespace {
+
+std::string Narrow(WString const& text) {
+    return std::string(text.AsString().View());
+}
+
+} // namespace
+
+TEST(BankPaths, SyntaxAndNames) {
+    struct Row {
+        char16_t const* path;
+        bool error;
+    } const rows[] = {
+        {nullptr, true},      {u"", true},
+        {u"a b", true},       {u"a/", true},
+        {u"a//b", true},      {u"///", true},
+        {u"//a", true},       {u"/a/", true},
+        {u"//", false},       {u"/", false},
+        {u"a", false},        {u"/a/b", false},
+        {u"A_b-c.9", false},  {u"\u00e4\u00f6\u00fc\u00c4\u00d6\u00dc\u00df", false},
+        {u"caf\u00e9", true}, {u"a/b%", true},
+        {u"a\\b", true},
+    };
+    for (Row const& row : rows) {
+        std::string name = row.path ? Narrow(WString(row.path)) : "null";
+        EXPECT_EQ(BBank::PathSyntaxError(row.path), row.error) << name;
+        if (row.path && !WString(row.path).Includes(BBank::DELIM)) {
+            EXPECT_EQ(BBank::CheckName(WString(row.path)), !row.error) << name;
+        }
+    }
+}
+
+TEST(BankPaths, ComposingAndTakingApart) {
+    struct Concat {
+        char16_t const *first, *second, *result;
+    } const concats[] = {
+        {u"//", u"a", u"/a"},     {u"/a", u"b", u"/a/b"}, {u"/a", u"/b", u"/a/b"},
+        {u"a", u"b/c", u"a/b/c"}, {u"//", u"//", u""},    {u"a", u"//", u""},
+        {u"a b", u"c", u""},      {u"a", u"c/", u""},
+    };
+    for (Concat const& c : concats)
+        EXPECT_EQ(BBank::ConcatPath(c.first, c.second), WString(c.result))
+            << Narrow(WString(c.first)) << " + " << Narrow(WString(c.second));
+
+    BBank bank;
+    struct Parent {
+        char16_t const* path;
+        bool result;
+        char16_t const* parent;
+    } const parents[] = {
+        {u"a", true, u"//"},      {u"/a", true, u"//"},         {u"/a/b", true, u"/a"},
+        {u"a/b", true, u"a"},     {u"//", false, u"untouched"}, {u"", false, u"untouched"},
+        {u"a b/c", true, u"a b"},
+    };
+    for (Parent const& p : parents) {
+        WString parent(u"untouched");
+        EXPECT_EQ(bank.ParentPath(p.path, parent), p.result) << Narrow(WString(p.path));
+        EXPECT_EQ(parent, WString(p.parent)) << Narrow(WString(p.path));
+    }
+
+    struct Below {
+        char16_t const *path, *parent;
+        bool result;
+    } const belows[] = {
+        {u"/a/b", u"a", true},      {u"a", u"a", true},    {u"A/B", u"/a", true},
+        {u"/a/bc", u"/a/b", false}, {u"//", u"//", true},  {u"a", u"//", true},
+        {u"//", u"a", false},       {u"", u"//", false},   {u"a", u"", false},
+        {u"ab", u"a", false},       {u"a", u"a/b", false},
+    };
+    for (Below const& b : belows)
+        EXPECT_EQ(BBank::IsGrandParent(b.path, b.parent), b.result)
+            << Narrow(WString(b.path)) << " below " << Narrow(WString(b.parent));
+}
+
+TEST(BankNodes, ContainerAndPathRoundTrips) {
+    struct Row {
+        char16_t const* path;
+        char16_t const* result; // the PATH of what Container gives; null for a null result
+        int made;               // nodes the call adds to the tree
+    } const rows[] = {
+        {u"//", u"//", 0},
+        {u"/", nullptr, 0},
+        {u"a/b", u"/a/b", 2},
+        {u"A/B", u"/a/b", 0},
+        {u"/a/b/c/d/e/f/g/h", u"/a/b/c/d/e/f/g/h", 6},
+        {u"x/y%/z", nullptr, 1},
+        {u"x", u"/x", 0},
+        {u"x/", nullptr, 0},
+        {u"\u00dcber/Ma\u00df", u"/\u00dcber/Ma\u00df", 2},
+        {nullptr, nullptr, 0},
+    };
+    BBank bank;
+    auto count = [&] {
+        int n = 0;
+        for (BNodeItr it(bank.Root(), BNodeItr::ALL_NODES); it; ++it)
+            ++n;
+        return n;
+    };
+    for (Row const& row : rows) {
+        std::string name = row.path ? Narrow(WString(row.path)) : "null";
+        int before = count();
+        BNode* node = bank.Container(row.path);
+        EXPECT_EQ(count() - before, row.made) << name;
+        if (!row.result) {
+            EXPECT_EQ(node, nullptr) << name;
+            continue;
+        }
+        ASSERT_NE(node, nullptr) << name;
+        WString path = bank.Path(node);
+        EXPECT_EQ(path, WString(row.result)) << name;
+        SP<BNode> found;
+        EXPECT_TRUE(bank.ExistsContainer(path.CStr(), found)) << name;
+        EXPECT_EQ(found.get(), node) << name;
+        EXPECT_EQ(count() - before, row.made) << name << ": ExistsContainer makes nothing";
+    }
+    EXPECT_FALSE(bank.ExistsContainer(u"no/such"));
+    EXPECT_FALSE(bank.ExistsContainer(nullptr));
+}
+
+TEST(BankNodes, NodeGivesANodeFreeForAnObject) {
+    BBank bank;
+    BNode* first = bank.Node(u"scans");
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(BBank::PATH(first), WString(u"/scans"));
+    BNode* second = bank.Node(u"scans");
+    EXPECT_EQ(BBank::PATH(second), WString(u"/scans/001"));
+    second->SetObj(new BNode);
+    EXPECT_EQ(bank.Node(u"scans/001"), second) << "a node with an object is the result";
+    EXPECT_EQ(BBank::PATH(bank.Node(u"scans")), WString(u"/scans/002"));
+}
+
+TEST(BankNodes, PathsOfNodesAndObjects) {
+    BBank bank;
+    BBank copy = bank;
+    SP<BSmartObj> shared = new BNode;
+    SP<BSmartObj> lone = new BNode;
+    BNode* hidden = copy.Container(u"a/hidden");
+    hidden->SetObj(shared);
+    bank.Container(u"a")->Deactivate();
+    bank.Container(u"b")->SetObj(shared);
+    bank.Container(u"c/d")->SetObj(lone);
+    EXPECT_EQ(bank.Root(), copy.Root()) << "copies share the tree";
+    struct Row {
+        char const* name;
+        WString result;
+        WString expected;
+    } const rows[] = {
+        {"by id, inactive branch first", bank.PathOfObject(shared->UniqueID()), u"/a/hidden"},
+        {"by pointer", bank.PathOfObject(lone.get()), u"/c/d"},
+        {"by id", bank.PathOfObject(lone->UniqueID()), u"/c/d"},
+        {"unknown id", bank.PathOfObject(-1L), u""},
+        {"null object", bank.PathOfObject(nullptr), u""},
+        {"unknown object", bank.PathOfObject(bank.Root().get()), u""},
+        {"root", bank.Path(bank.Root()), u"//"},
+        {"node of another tree", bank.Path(BBank().Container(u"a")), u""},
+        {"PATH of a foreign root", BBank::PATH(BBank().Root()), u"//"},
+        {"PATH of null", BBank::PATH(nullptr), u""},
+    };
+    for (Row const& row : rows)
+        EXPECT_EQ(row.result, row.expected) << row.name;
+    EXPECT_NE(BBank().Root(), bank.Root()) << "a default bank has a root of its own";
+}
