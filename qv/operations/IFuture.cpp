@@ -16,6 +16,35 @@ constexpr std::uint32_t kPollInterval = 10; // ms between two passes
 bool Cancelled(SP<IPromise> const& promise) {
     return promise && promise->IsCancelled();
 }
+
+// One pass: each future, in array order, that is not null is told to cancel while the waiter's
+// promise is cancelled, then gives its progress and its state (in that order) to `take`, which
+// answers true to end the pass there. False when every entry was null.
+template <class Take>
+bool Pass(BArray<SP<IFuture>> const& futures, SP<IPromise> const& promise, Take take) {
+    bool seen = false;
+    for (unsigned long long i = 0; i < futures.Count(); ++i) {
+        IFuture* future = futures[i].get();
+        if (!future)
+            continue;
+        seen = true;
+        if (Cancelled(promise))
+            future->Cancel();
+        float const progress = future->Progress();
+        if (take(progress, future->Wait(0)))
+            break;
+    }
+    return seen;
+}
+
+// After a pass that did not end the wait: false once the deadline has come, otherwise true
+// after the poll interval.
+bool SleepUntilNextPass(std::uint64_t deadline) {
+    if (qv::platform::GetTickCount64() >= deadline)
+        return false;
+    qv::platform::Sleep(kPollInterval);
+    return true;
+}
 } // namespace
 
 Async::Result IFuture::WaitForAll(BArray<SP<IFuture>> futures, unsigned int milliseconds,
@@ -23,34 +52,24 @@ Async::Result IFuture::WaitForAll(BArray<SP<IFuture>> futures, unsigned int mill
     if (futures.Count() == 0)
         return Async::Finished;
     std::uint64_t const deadline = qv::platform::GetTickCount64() + milliseconds;
-    for (;;) {
+    do {
         int highest = Async::Finished;
-        bool seen = false;
         bool allOver = true;
-        float progress = 0.0f;
-        for (unsigned long long i = 0; i < futures.Count(); ++i) {
-            IFuture* future = futures[i].get();
-            if (!future)
-                continue;
-            seen = true;
-            if (Cancelled(promise))
-                future->Cancel();
-            progress = std::max(progress, future->Progress());
-            Async::Result const result = future->Wait(0);
+        float largest = 0.0f;
+        bool const seen = Pass(futures, promise, [&](float progress, Async::Result result) {
+            largest = std::max(largest, progress);
             highest = std::max(highest, static_cast<int>(result));
-            if (!Async::IsOver(result))
-                allOver = false;
-        }
+            allOver = allOver && Async::IsOver(result);
+            return false;
+        });
         if (!seen)
             return Async::FinishedState4;
         if (Cancelled(promise))
-            promise->SetProgress(progress);
+            promise->SetProgress(largest);
         if (allOver)
             return static_cast<Async::Result>(highest);
-        if (qv::platform::GetTickCount64() >= deadline)
-            return Async::Timeout;
-        qv::platform::Sleep(kPollInterval);
-    }
+    } while (SleepUntilNextPass(deadline));
+    return Async::Timeout;
 }
 
 Async::Result IFuture::WaitForAny(BArray<SP<IFuture>> futures, unsigned int milliseconds,
@@ -58,27 +77,24 @@ Async::Result IFuture::WaitForAny(BArray<SP<IFuture>> futures, unsigned int mill
     if (futures.Count() == 0)
         return Async::Finished;
     std::uint64_t const deadline = qv::platform::GetTickCount64() + milliseconds;
-    for (;;) {
-        bool seen = false;
-        float progress = 0.0f;
-        for (unsigned long long i = 0; i < futures.Count(); ++i) {
-            IFuture* future = futures[i].get();
-            if (!future)
-                continue;
-            seen = true;
-            if (Cancelled(promise))
-                future->Cancel();
-            progress = std::min(progress, future->Progress());
-            Async::Result const result = future->Wait(0);
-            if (Async::IsOver(result))
-                return result;
-        }
+    do {
+        // Starts at 0 and takes the smaller: for progress values from 0 up it stays 0, which
+        // is what callers of this wait have always been handed.
+        float smallest = 0.0f;
+        bool over = false;
+        Async::Result first = Async::Timeout;
+        bool const seen = Pass(futures, promise, [&](float progress, Async::Result result) {
+            smallest = std::min(smallest, progress);
+            over = Async::IsOver(result);
+            first = result;
+            return over;
+        });
+        if (over)
+            return first;
         if (!seen)
             return Async::FinishedState4;
         if (promise)
-            promise->SetProgress(progress);
-        if (qv::platform::GetTickCount64() >= deadline)
-            return Async::Timeout;
-        qv::platform::Sleep(kPollInterval);
-    }
+            promise->SetProgress(smallest);
+    } while (SleepUntilNextPass(deadline));
+    return Async::Timeout;
 }

@@ -1,12 +1,13 @@
-// A dispatcher for the operation suites: it records every message, from any thread, and names
-// the thread that created it as the dispatcher thread (or none). Registered for the life of a
-// Session and unregistered after, so that each test leaves the process as it found it.
+// Recording stand-ins for the operation suites: a dispatcher and a window that record every
+// message from any thread. The dispatcher names the thread that made it as the dispatcher
+// thread, or none; a Session registers one for its scope.
 #pragma once
 
 #include <mutex>
 #include <qv/operations/BDispatcher.h>
 #include <qv/operations/MessageNumbers.h>
 #include <qv/platform/ThreadId.h>
+#include <qv/platform/WindowMessages.h>
 #include <vector>
 
 namespace operations_test {
@@ -22,7 +23,6 @@ class RecordingDispatcher : public BDispatcher {
 public:
     explicit RecordingDispatcher(bool ownsThread)
         : m_threadId(ownsThread ? qv::platform::GetCurrentThreadId() : 0xFFFFFFFFul) {}
-
     bool Send(unsigned int m, unsigned long long p1, unsigned long long p2) override {
         return Record({false, m, p1, p2});
     }
@@ -37,7 +37,7 @@ public:
         std::lock_guard lock(m_mutex);
         return m_messages;
     }
-    // The parameters of every progress step, in order.
+    // The parameters of the progress steps, in order.
     std::vector<unsigned long long> Steps() {
         std::vector<unsigned long long> steps;
         for (Message const& m : Messages())
@@ -58,20 +58,39 @@ private:
         m_messages.push_back(message);
         return true;
     }
-
     unsigned long const m_threadId;
     std::mutex m_mutex;
     std::vector<Message> m_messages;
 };
 
-// Registers a recording dispatcher for the scope.
-class Session {
-public:
+struct Session {
     explicit Session(bool ownsThread = false) : dispatcher(new RecordingDispatcher(ownsThread)) {
         BDispatcher::RegisterDispatcher(dispatcher);
     }
     ~Session() { BDispatcher::RegisterDispatcher(nullptr); }
     SP<RecordingDispatcher> dispatcher;
+};
+
+// A registered window; the message number and first parameter of each post, in order.
+class RecordingWindow : public qv::platform::WindowReceiver {
+public:
+    RecordingWindow() : handle(qv::platform::RegisterWindowReceiver(this)) {}
+    ~RecordingWindow() { qv::platform::UnregisterWindowReceiver(handle); }
+    void Enqueue(HWND window, unsigned int number, qv::platform::WPARAM wParam,
+                 qv::platform::LPARAM lParam) override {
+        std::lock_guard lock(m_mutex);
+        if (window == handle && lParam == 0)
+            m_messages.push_back({true, number, wParam, 0});
+    }
+    std::vector<Message> Messages() {
+        std::lock_guard lock(m_mutex);
+        return m_messages;
+    }
+    HWND const handle;
+
+private:
+    std::mutex m_mutex;
+    std::vector<Message> m_messages;
 };
 
 } // namespace operations_test
