@@ -63,6 +63,8 @@
 #include <qv/language/BResId.h>
 #include <qv/language/QVTl.h>
 
+#include <qv/operations/AsyncResult.h>
+#include <qv/operations/BAsyncOperationInterface.h>
 #include <qv/operations/BAutoLockR.h>
 #include <qv/operations/BAutoLockW.h>
 #include <qv/operations/BAutoTryLockR.h>
@@ -72,10 +74,19 @@
 #include <qv/operations/BDispatcher.h>
 #include <qv/operations/BLockRW.h>
 #include <qv/operations/BMessageReceiver.h>
+#include <qv/operations/BOperationInterface.h>
 #include <qv/operations/BProgressManager.h>
+#include <qv/operations/BProgressMapping.h>
+#include <qv/operations/BProgressMappingAndBreak.h>
+#include <qv/operations/BProgressMappingOMP.h>
+#include <qv/operations/BSyncOperationInterface.h>
 #include <qv/operations/BSyncableInterface.h>
 #include <qv/operations/BSyncableSmartObj.h>
 #include <qv/operations/ELog.h>
+#include <qv/operations/IFunctor.h>
+#include <qv/operations/IFuture.h>
+#include <qv/operations/IPromise.h>
+#include <qv/operations/IScheduler.h>
 #include <qv/operations/Log.h>
 #include <qv/operations/LogItem.h>
 #include <qv/operations/LoggerInterface.h>
@@ -121,8 +132,10 @@
 #include <qv/platform/ThreadId.h>
 #include <qv/platform/ThreadLocalStorage.h>
 #include <qv/platform/ThreadName.h>
+#include <qv/platform/TickCount.h>
 #include <qv/platform/VirtualMemory.h>
 #include <qv/platform/WideFormat.h>
 #include <qv/platform/WideNumbers.h>
 #include <qv/platform/WideStream.h>
+#include <qv/platform/WindowMessages.h>
 #include <qv/platform/WindowsTypes.h>

@@ -6,6 +6,8 @@ namespace {
 class StopAfter : public BProgressManager {
 public:
     explicit StopAfter(int questions) : m_questions(questions) {}
+    void BeginLongOperation(WString const&) override {}
+    void EndLongOperation() override {}
     bool BreakLongOperation(bool) override { return --m_questions < 0; }
     void TestUserBreak() override {
         if (BreakLongOperation(false))

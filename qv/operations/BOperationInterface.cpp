@@ -1,0 +1,5 @@
+#include <qv/operations/BOperationInterface.h>
+
+QV_REGISTER_CLASSNAME(BOperationInterface);
+
+void BOperationInterface::Stop() {}

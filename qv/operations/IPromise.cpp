@@ -1,0 +1,3 @@
+#include <qv/operations/IPromise.h>
+
+QV_REGISTER_CLASSNAME(IPromise);

@@ -1,0 +1,3 @@
+#include <qv/operations/IScheduler.h>
+
+QV_REGISTER_CLASSNAME(IScheduler);

@@ -1,0 +1,179 @@
+// The waits over scripted futures: each future answers Wait(0) from a script, one entry per
+// pass, and counts what it was asked.
+#include <algorithm>
+#include <chrono>
+#include <gtest/gtest.h>
+#include <qv/core/BError.h>
+#include <qv/operations/IFunctor.h>
+#include <qv/operations/IFuture.h>
+#include <thread>
+#include <vector>
+
+namespace {
+class ScriptedFuture : public IFuture {
+public:
+    ScriptedFuture(std::vector<int> script, float progress = 0.0f)
+        : m_script(std::move(script)), m_progress(progress) {}
+
+    Async::Result Wait(int milliseconds) override {
+        EXPECT_EQ(milliseconds, 0);
+        int const result = m_script[std::min<size_t>(waits, m_script.size() - 1)];
+        ++waits;
+        return static_cast<Async::Result>(result);
+    }
+    void Cancel() override { ++cancels; }
+    BError GetError() override { return BError(); }
+    float Progress() override { return m_progress; }
+    SP<IFunctor> GetFunctor() override { return nullptr; }
+
+    int waits = 0, cancels = 0;
+
+private:
+    std::vector<int> m_script;
+    float m_progress;
+};
+
+class FlagPromise : public IPromise {
+public:
+    explicit FlagPromise(bool cancelled) : cancelled(cancelled) {}
+    bool IsCancelled() override { return cancelled; }
+    void SetProgress(float progress) override { received.push_back(progress); }
+    bool cancelled;
+    std::vector<float> received;
+};
+
+struct Row {
+    char const* name;
+    bool all;                              // WaitForAll, else WaitForAny
+    std::vector<std::vector<int>> scripts; // empty script: a null entry
+    unsigned int limit;
+    int cancelled; // -1: no promise, 0: a promise, 1: a cancelled promise
+    Async::Result expected;
+    std::vector<int> waits, cancels;
+    std::vector<float> progress; // what the promise received
+};
+} // namespace
+
+TEST(IFuture, WaitsOverScriptedFutures) {
+    Row const rows[] = {
+        {"all: empty array", true, {}, 1000, 1, Async::Finished, {}, {}, {}},
+        {"any: empty array", false, {}, 1000, 1, Async::Finished, {}, {}, {}},
+        {"all: null entries only", true, {{}, {}}, 1000, 0, Async::FinishedState4, {}, {}, {}},
+        {"any: null entries only", false, {{}, {}}, 1000, 0, Async::FinishedState4, {}, {}, {}},
+        {"all: 4 outranks 2 outranks 0",
+         true,
+         {{0}, {4}, {}, {2}},
+         0,
+         -1,
+         Async::FinishedState4,
+         {1, 1, 1},
+         {0, 0, 0},
+         {}},
+        {"all: waits for the last",
+         true,
+         {{0}, {3, 5, 6, 2}},
+         1000,
+         0,
+         Async::FinishedState2,
+         {4, 4},
+         {0, 0},
+         {}},
+        {"any: first over in array order",
+         false,
+         {{3}, {4}, {0}},
+         0,
+         -1,
+         Async::FinishedState4,
+         {1, 1, 0},
+         {0, 0, 0},
+         {}},
+        {"all: a limit of 0 polls once",
+         true,
+         {{3}, {0}},
+         0,
+         0,
+         Async::Timeout,
+         {1, 1},
+         {0, 0},
+         {}},
+        {"any: timeout is not over",
+         false,
+         {{1}, {6}},
+         0,
+         0,
+         Async::Timeout,
+         {1, 1},
+         {0, 0},
+         {0.0f}},
+        {"all: a cancelled promise cancels every pass",
+         true,
+         {{3, 3, 2}, {0}},
+         1000,
+         1,
+         Async::FinishedState2,
+         {3, 3},
+         {3, 3},
+         {0.5f, 0.5f, 0.5f}},
+        {"any: a promise gets progress on every pass",
+         false,
+         {{3, 3, 2}, {6}},
+         1000,
+         1,
+         Async::FinishedState2,
+         {3, 2},
+         {3, 2},
+         {0.0f, 0.0f}},
+    };
+    for (Row const& row : rows) {
+        BArray<SP<IFuture>> futures;
+        std::vector<SP<ScriptedFuture>> scripted;
+        for (auto const& script : row.scripts) {
+            // Progress 0.25, 0.5 ...: WaitForAll hands on the largest.
+            scripted.push_back(script.empty()
+                                   ? nullptr
+                                   : new ScriptedFuture(script, 0.25f * (1 << scripted.size())));
+            futures.Add(scripted.back());
+        }
+        SP<FlagPromise> promise = row.cancelled < 0 ? nullptr : new FlagPromise(row.cancelled == 1);
+        auto start = std::chrono::steady_clock::now();
+        auto wait = row.all ? &IFuture::WaitForAll : &IFuture::WaitForAny;
+        EXPECT_EQ(wait(futures, row.limit, promise), row.expected) << row.name;
+        bool const onePass =
+            std::all_of(row.waits.begin(), row.waits.end(), [](int w) { return w <= 1; });
+        EXPECT_TRUE(!onePass ||
+                    std::chrono::steady_clock::now() - start < std::chrono::milliseconds(9))
+            << row.name << ": one pass has no sleep";
+        std::vector<int> waits, cancels;
+        for (auto const& future : scripted) {
+            if (future) {
+                waits.push_back(future->waits);
+                cancels.push_back(future->cancels);
+            }
+        }
+        EXPECT_EQ(waits, row.waits) << row.name;
+        EXPECT_EQ(cancels, row.cancels) << row.name;
+        EXPECT_EQ(promise ? promise->received : std::vector<float>(), row.progress) << row.name;
+    }
+}
+
+TEST(IFunctor, TheThreadPromiseAnswersForItsThread) {
+    EXPECT_FALSE(IFunctor::IsCancelled());
+    EXPECT_NO_THROW(IFunctor::CheckCancel());
+    SP<FlagPromise> promise = new FlagPromise(false);
+    IFunctor::SetThreadPromise(promise);
+    IFunctor::SetThreadPromise(IFunctor::GetThreadPromise());
+    EXPECT_EQ(promise->RefCount(), 2) << "setting the same promise again";
+    EXPECT_NO_THROW(IFunctor::CheckCancel());
+    promise->cancelled = true;
+    std::thread([] { EXPECT_FALSE(IFunctor::IsCancelled()) << "another thread's slot"; }).join();
+    try {
+        IFunctor::CheckCancel();
+        ADD_FAILURE() << "a cancelled promise raises";
+    } catch (BError const& error) {
+        EXPECT_EQ(error.Error(), 25070);
+    }
+    IFunctor::SetThreadPromise(nullptr);
+    EXPECT_EQ(promise->RefCount(), 1);
+    std::thread([promise] { IFunctor::SetThreadPromise(promise); }).join();
+    EXPECT_EQ(promise->RefCount(), 1) << "a slot lets go when its thread ends";
+}
