@@ -59,6 +59,12 @@
 #include <qv/operations/QVPost.h>
 #include <qv/operations/ReaderSlots.h>
 
+#include <qv/memory/CMemoryBlock.h>
+#include <qv/memory/CMemoryBlockManager.h>
+#include <qv/memory/CStdMemoryBlock.h>
+#include <qv/memory/CStdMemoryManager.h>
+#include <qv/memory/QVAlloc.h>
+
 #include <qv/platform/CodePage.h>
 #include <qv/platform/CriticalSection.h>
 #include <qv/platform/FileSeek.h>
@@ -67,6 +73,7 @@
 #include <qv/platform/Futex.h>
 #include <qv/platform/ManualResetEvent.h>
 #include <qv/platform/PathText.h>
+#include <qv/platform/ProcessMemory.h>
 #include <qv/platform/ProcessWriteBuffers.h>
 #include <qv/platform/SlimRWLock.h>
 #include <qv/platform/SystemError.h>
