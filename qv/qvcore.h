@@ -65,6 +65,11 @@
 #include <qv/memory/CStdMemoryManager.h>
 #include <qv/memory/QVAlloc.h>
 
+#include <qv/measures/BUnit.h>
+#include <qv/measures/BUnitSystem.h>
+#include <qv/measures/EUnit.h>
+#include <qv/measures/EUnitClass.h>
+
 #include <qv/platform/CodePage.h>
 #include <qv/platform/CriticalSection.h>
 #include <qv/platform/FileSeek.h>
