@@ -113,6 +113,16 @@
 #include <qv/measures/BStopWatch.h>
 #include <qv/measures/Date.h>
 #include <qv/measures/Time.h>
+#include <qv/memory/CMemoryBlock.h>
+#include <qv/memory/CMemoryBlockManager.h>
+#include <qv/memory/CStdMemoryBlock.h>
+#include <qv/memory/CStdMemoryManager.h>
+#include <qv/memory/QVAlloc.h>
+
+#include <qv/measures/BUnit.h>
+#include <qv/measures/BUnitSystem.h>
+#include <qv/measures/EUnit.h>
+#include <qv/measures/EUnitClass.h>
 
 #include <qv/platform/CodePage.h>
 #include <qv/platform/CriticalSection.h>
@@ -123,6 +133,7 @@
 #include <qv/platform/ManualResetEvent.h>
 #include <qv/platform/PathText.h>
 #include <qv/platform/PrivateProfile.h>
+#include <qv/platform/ProcessMemory.h>
 #include <qv/platform/ProcessWriteBuffers.h>
 #include <qv/platform/SlimRWLock.h>
 #include <qv/platform/StringResources.h>

@@ -9,6 +9,7 @@ namespace qv::platform {
 
 constexpr std::uint32_t MEM_COMMIT = 0x1000;
 constexpr std::uint32_t MEM_RESERVE = 0x2000;
+constexpr std::uint32_t MEM_DECOMMIT = 0x4000;
 constexpr std::uint32_t MEM_RELEASE = 0x8000;
 constexpr std::uint32_t MEM_TOP_DOWN = 0x100000;
 
@@ -32,8 +33,11 @@ void GetSystemInfo(SYSTEM_INFO* info);
 // a size of 0, another address, other flags or protections, or when the system has no memory.
 void* VirtualAlloc(void* address, std::size_t size, std::uint32_t allocationType,
                    std::uint32_t protect);
-// Gives back a whole region: address as VirtualAlloc returned it, size 0, MEM_RELEASE. False
-// for anything else; decommitting part of a region is not offered.
+// MEM_RELEASE gives back a whole region: address as VirtualAlloc returned it, size 0.
+// MEM_DECOMMIT gives the pages that hold [address, address + size) back to the system's
+// accounting (resident memory drops) while the region stays reserved; the range must lie inside
+// one region and size must not be 0. A decommitted page reads as zeros when it is touched again:
+// committing needs no call of its own here. False (errno set) for anything else.
 bool VirtualFree(void* address, std::size_t size, std::uint32_t freeType);
 
 } // namespace qv::platform

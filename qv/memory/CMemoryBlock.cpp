@@ -1,0 +1,3 @@
+#include <qv/memory/CMemoryBlock.h>
+
+CMemoryBlock::~CMemoryBlock() = default;

@@ -1,0 +1,185 @@
+#include <MessageCounter.h>
+#include <cmath>
+#include <functional>
+#include <gtest/gtest.h>
+#include <qv/measures/BUnit.h>
+#include <qv/measures/BUnitSystem.h>
+#include <qv/operations/MessageNumbers.h>
+#include <string>
+#include <vector>
+
+namespace {
+
+std::string Utf8(WString const& text) {
+    return text.ToUtf8();
+}
+
+// The display units a user can pick, each with an internal value and what it must show.
+struct Shown {
+    char const* name;
+    std::function<void(BUnitSystem&)> select;
+    EUnitClass unitClass;
+    char const* symbol;
+    double internal;
+    double display;
+    char const* formatted;   // Format(value, -1)
+    int precision;           // and Format(value, precision) ...
+    char const* formattedAt; // ... giving this
+    char const* nineDigits;  // ConvertStr(value)
+};
+
+} // namespace
+
+TEST(BUnit, EachDisplayUnitConvertsAndFormatsAndComesBack) {
+    Shown const rows[] = {
+        {"millimetres", [](BUnitSystem&) {}, UnitClassLength, "mm", 1.23456, 1.23456, "1.235", 1,
+         "1.2", "1.23456"},
+        {"inches", [](BUnitSystem& s) { s.ChangeUnit(UnitInch); }, UnitClassLength, "\"", 25.4, 1.0,
+         "1.0000", 2, "1.00", "1"},
+        {"inches of a long value", [](BUnitSystem& s) { s.ChangeUnit(UnitInch); }, UnitClassLength,
+         "\"", 100.0, 3.937007874015748, "3.9370", 6, "3.937008", "3.93700787"},
+        {"thou", [](BUnitSystem& s) { s.ChangeUnit(UnitThou); }, UnitClassLength, "Thou", 25.4,
+         1000.0, "1000.0", 0, "1000", "1000"},
+        {"area stays in mm² under inches", [](BUnitSystem& s) { s.ChangeUnit(UnitInch); },
+         UnitClassArea, "mm²", 2.5, 2.5, "2.500", 0, "2", "2.5"},
+        {"volume stays in mm³ under thou", [](BUnitSystem& s) { s.ChangeUnit(UnitThou); },
+         UnitClassVolume, "mm³", -7.0006, -7.0006, "-7.001", 2, "-7.00", "-7.0006"},
+        {"degrees Celsius", [](BUnitSystem&) {}, UnitClassTemperature, "°C", 21.26, 21.26, "21.3",
+         3, "21.260", "21.26"},
+        {"degrees of angle", [](BUnitSystem& s) { s.ChangeUnit(UnitDegree); }, UnitClassAngle, "°",
+         90.0, 90.0, "90.00", 0, "90", "90"},
+        {"plain numbers", [](BUnitSystem&) {}, UnitClassNone, "", 1.0 / 3.0, 1.0 / 3.0,
+         "0.333333333", 2, "0.33", "0.333333333"},
+        {"a unit of the application's own",
+         [](BUnitSystem& s) { s.ChangeUnit(UnitClassLength, u"µm", 1000.0, 0); }, UnitClassLength,
+         "µm", 0.0125, 12.5, "12", 1, "12.5", "12.5"},
+    };
+    for (auto const& row : rows) {
+        SCOPED_TRACE(row.name);
+        BUnitSystem units;
+        row.select(units);
+        BUnit const& unit = units.Unit(row.unitClass);
+        EXPECT_EQ(Utf8(unit.Symbol()), row.symbol);
+        EXPECT_DOUBLE_EQ(unit.Convert(row.internal), row.display);
+        EXPECT_DOUBLE_EQ(unit.Revert(row.display), row.internal);
+        EXPECT_EQ(Utf8(unit.Format(row.internal, -1)), row.formatted);
+        EXPECT_EQ(Utf8(unit.Format(row.internal, row.precision)), row.formattedAt);
+        EXPECT_EQ(Utf8(unit.ConvertStr(row.internal)), row.nineDigits);
+        // Back from text: nine digits hold the value to nine digits, a formatted text to its
+        // last decimal.
+        WString const shown = unit.ConvertStr(row.internal);
+        EXPECT_NEAR(unit.Revert(shown), row.internal, std::abs(row.internal) * 1e-8);
+        EXPECT_EQ(Utf8(unit.RevertStr(shown)), Utf8(BUnit().ConvertStr(unit.Revert(shown))));
+        double const step = std::pow(10.0, -unit.Precision()) / 2;
+        EXPECT_NEAR(unit.Convert(unit.Revert(unit.Format(row.internal, -1))), row.display,
+                    step * 1.000001);
+        // The text forms of Convert and Format go through the number forms.
+        EXPECT_DOUBLE_EQ(unit.Convert(WString(u"2")), unit.Convert(2.0));
+        EXPECT_EQ(unit.Format(u"2", -1), unit.Format(2.0, -1));
+    }
+}
+
+TEST(BUnit, TextsThatAreNoNumbersAndTextsAtTheLimits) {
+    BUnit const plain;
+    BUnit const mm(u"mm", 1.0, 3);
+    struct Row {
+        char const* name;
+        WString actual;
+        char const* expected;
+    } const rows[] = {
+        {"Format gives back a text that is no number", mm.Format(u"12 mm", -1), "12 mm"},
+        {"Format of an empty text", mm.Format(WString(), 2), ""},
+        {"Format reads blanks around the number", mm.Format(u" 2.5 ", -1), "2.500"},
+        {"ConvertStr of no number is 0", mm.ConvertStr(u"abc"), "0"},
+        {"RevertStr of no number is 0", mm.RevertStr(u"1,5"), "0"},
+        {"nine digits of 0.1", plain.ConvertStr(0.1), "0.1"},
+        {"ten thousand million", plain.ConvertStr(1e10), "1e+10"},
+        {"a small value", plain.ConvertStr(0.000012345678912), "1.23456789e-05"},
+        {"negative precision takes the unit's", mm.Format(0.0005, -7), "0.001"},
+        {"a factor of 0 reverts to infinity", BUnit(u"x", 0.0, 0).RevertStr(1.0), "inf"},
+    };
+    for (auto const& row : rows)
+        EXPECT_EQ(Utf8(row.actual), row.expected) << row.name;
+    EXPECT_EQ(mm.Convert(u"abc"), 0.0);
+    EXPECT_EQ(mm.Revert(u""), 0.0);
+    // Very long fixed texts end where the Windows library's buffer ended.
+    EXPECT_EQ(plain.Format(1e300, 3).Length(), 127u);
+    EXPECT_EQ(Utf8(plain.Format(1.0, 2'000'000'000)).substr(0, 5), "1.000");
+    EXPECT_EQ(plain.Format(1.0, 2'000'000'000).Length(), 127u);
+}
+
+TEST(BUnitSystem, EveryChangeIsAnnouncedOncePerClass) {
+    struct Row {
+        char const* name;
+        std::function<void(BUnitSystem&)> change;
+        std::vector<unsigned long long> classes;
+    } const rows[] = {
+        {"millimetres set three classes",
+         [](BUnitSystem& s) { s.ChangeUnit(UnitMillimetre); },
+         {1, 2, 3}},
+        {"inches set length", [](BUnitSystem& s) { s.ChangeUnit(UnitInch); }, {1}},
+        {"thou set length", [](BUnitSystem& s) { s.ChangeUnit(UnitThou); }, {1}},
+        {"degrees set angle", [](BUnitSystem& s) { s.ChangeUnit(UnitDegree); }, {5}},
+        {"an unknown setting changes nothing",
+         [](BUnitSystem& s) { s.ChangeUnit(static_cast<EUnit>(4)); },
+         {}},
+        {"one class",
+         [](BUnitSystem& s) { s.ChangeUnit(UnitClassTemperature, u"K", 1.0, 0); },
+         {4}},
+        {"a class outside the table changes nothing",
+         [](BUnitSystem& s) { s.ChangeUnit(static_cast<EUnitClass>(6), u"x", 2.0, 0); },
+         {}},
+        {"copies announce nothing",
+         [](BUnitSystem& s) {
+             BUnitSystem copy(s);
+             s = copy;
+         },
+         {}},
+    };
+    for (auto const& row : rows) {
+        SCOPED_TRACE(row.name);
+        MessageCounter::Installed messages;
+        BUnitSystem units;
+        auto const made = messages->Take();
+        ASSERT_EQ(made.size(), 5u) << "construction sets five classes";
+        for (std::size_t i = 0; i < made.size(); ++i)
+            EXPECT_EQ(made[i].param1, i + 1);
+        BUnitSystem const before(units);
+        row.change(units);
+        auto const posted = messages->Take();
+        ASSERT_EQ(posted.size(), row.classes.size());
+        for (std::size_t i = 0; i < posted.size(); ++i) {
+            EXPECT_EQ(posted[i].number, MSG_UNIT_CHANGED);
+            EXPECT_TRUE(posted[i].posted);
+            EXPECT_EQ(posted[i].param1, row.classes[i]);
+            EXPECT_EQ(posted[i].param2, 0u);
+        }
+        if (row.classes.empty())
+            for (int c = 0; c < BUnitSystem::kClassCount; ++c) {
+                auto const unitClass = static_cast<EUnitClass>(c);
+                EXPECT_EQ(units.Unit(unitClass).Symbol(), before.Unit(unitClass).Symbol());
+                EXPECT_EQ(units.Unit(unitClass).Convert(3.0), before.Unit(unitClass).Convert(3.0));
+            }
+    }
+}
+
+TEST(BUnitSystem, AUnitReferenceSeesChangesAndTheInstanceIsOne) {
+    BUnitSystem units;
+    BUnit const& length = units.Unit(UnitClassLength);
+    units.ChangeUnit(UnitInch);
+    EXPECT_EQ(Utf8(length.Symbol()), "\"");
+    EXPECT_EQ(length.Precision(), 4);
+    EXPECT_EQ(&units.Unit(static_cast<EUnitClass>(-1)), &units.Unit(UnitClassNone));
+
+    BUnitSystem::RegisterInstance(nullptr);
+    SP<BUnitSystem> first = BUnitSystem::Instance();
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(BUnitSystem::Instance(), first);
+    EXPECT_EQ(Utf8(first->Unit(UnitClassLength).Symbol()), "mm");
+    SP<BUnitSystem> own(new BUnitSystem);
+    BUnitSystem::RegisterInstance(own);
+    EXPECT_EQ(BUnitSystem::Instance(), own);
+    BUnitSystem::RegisterInstance(nullptr);
+    EXPECT_NE(BUnitSystem::Instance(), own);
+    BUnitSystem::RegisterInstance(nullptr);
+}

@@ -1,0 +1,293 @@
+#include <MessageCounter.h>
+#include <climits>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <optional>
+#include <qv/core/BError.h>
+#include <qv/memory/CStdMemoryBlock.h>
+#include <qv/memory/CStdMemoryManager.h>
+#include <qv/memory/QVAlloc.h>
+#include <qv/operations/MessageNumbers.h>
+#include <qv/platform/ProcessMemory.h>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+unsigned long long const P = CStdMemoryManager::PAGESIZE();
+
+// One step of a sequence: allocate `size` bytes, or free the block made by step `free`.
+struct Step {
+    enum Kind { Alloc, Free } kind;
+    unsigned long long size = 0; // Alloc
+    int ref = -1;                // Free: the step whose block goes; Alloc: see where
+    enum Where { Anywhere, At, Behind } where = Anywhere;
+    unsigned long long reserved; // TotalReservedMemory afterwards
+    unsigned long long inUse;    // MemoryInUse afterwards
+    int posts;                   // MSG_MEMORY_CHANGED posted by the step
+};
+
+Step Alloc(unsigned long long size, unsigned long long reserved, unsigned long long inUse,
+           Step::Where where = Step::Anywhere, int ref = -1) {
+    return {Step::Alloc, size, ref, where, reserved, inUse, size ? 1 : 0};
+}
+Step Free(int ref, unsigned long long reserved, unsigned long long inUse, int posts = 1) {
+    return {Step::Free, 0, ref, Step::Anywhere, reserved, inUse, posts};
+}
+
+struct Sequence {
+    std::string name;
+    std::optional<std::pair<unsigned long long, unsigned long long>> init;
+    unsigned long long reservedAfterInit;
+    std::vector<Step> steps;
+};
+
+std::uintptr_t Address(void* p) {
+    return reinterpret_cast<std::uintptr_t>(p);
+}
+
+} // namespace
+
+TEST(CStdMemoryManager, SequencesPlaceBlocksAndKeepTheFigures) {
+    using W = Step::Where;
+    std::vector<Sequence> const sequences = {
+        {"a block is page-aligned and page-granular",
+         std::nullopt,
+         0,
+         {Alloc(P + 904, 2 * P, 2 * P), Alloc(1, 3 * P, 3 * P), Free(0, 3 * P, P),
+          Free(1, 3 * P, 0)}},
+        {"first frame and later frames take their rounded sizes",
+         {{2 * P + 1, 5 * P - 1}},
+         3 * P,
+         {Alloc(3 * P, 3 * P, 3 * P), Alloc(P, 8 * P, 4 * P), Alloc(7 * P + 1, 16 * P, 12 * P),
+          Alloc(4 * P, 16 * P, 16 * P, W::Behind, 1)}},
+        {"a freed gap takes the next block that fits, a larger one goes behind",
+         {{16 * P, 16 * P}},
+         16 * P,
+         {Alloc(P, 16 * P, P), Alloc(2 * P, 16 * P, 3 * P, W::Behind, 0),
+          Alloc(P, 16 * P, 4 * P, W::Behind, 1), Free(1, 16 * P, 2 * P),
+          Alloc(3 * P, 16 * P, 5 * P, W::Behind, 2), Alloc(P + 1, 16 * P, 7 * P, W::At, 1),
+          Free(5, 16 * P, 5 * P), Alloc(P, 16 * P, 6 * P, W::At, 1),
+          Alloc(P, 16 * P, 7 * P, W::Behind, 7)}},
+        {"first fit looks at the lowest gap, not the best one",
+         {{8 * P, 8 * P}},
+         8 * P,
+         {Alloc(2 * P, 8 * P, 2 * P), Alloc(P, 8 * P, 3 * P), Alloc(P, 8 * P, 4 * P),
+          Free(0, 8 * P, 2 * P), Free(2, 8 * P, P), Alloc(P, 8 * P, 2 * P, W::At, 0)}},
+        {"an emptied frame stays reserved and is reused",
+         {{4 * P, 4 * P}},
+         4 * P,
+         {Alloc(4 * P, 4 * P, 4 * P), Free(0, 4 * P, 0), Alloc(2 * P, 4 * P, 2 * P, W::At, 0)}},
+        {"full frames make a frame of the request's own size when it is larger",
+         {{P, P}},
+         P,
+         {Alloc(P, P, P), Alloc(3 * P - 7, 4 * P, 4 * P), Alloc(P, 5 * P, 5 * P)}},
+        {"without Init the first request makes a frame of its own size",
+         std::nullopt,
+         0,
+         {Alloc(3 * P + 1, 4 * P, 4 * P), Free(0, 4 * P, 0), Alloc(2 * P, 4 * P, 2 * P, W::At, 0)}},
+        {"blocks of size 0 occupy nothing and post only when freed",
+         {{P, P}},
+         P,
+         {Alloc(0, P, 0), Alloc(0, P, 0), Alloc(P, P, P), Free(0, P, P), Free(1, P, P),
+          Free(2, P, 0)}},
+    };
+
+    for (auto const& sequence : sequences) {
+        SCOPED_TRACE(sequence.name);
+        MessageCounter::Installed messages;
+        CStdMemoryManager manager;
+        if (sequence.init) {
+            EXPECT_TRUE(manager.Init(sequence.init->first, sequence.init->second));
+        }
+        EXPECT_EQ(manager.TotalReservedMemory(), sequence.reservedAfterInit);
+        messages->Take();
+        // Blocks by step, with their places remembered: a freed block is gone.
+        std::vector<CStdMemoryBlock*> blocks(sequence.steps.size(), nullptr);
+        std::vector<void*> starts(sequence.steps.size()), ends(sequence.steps.size());
+        for (std::size_t i = 0; i < sequence.steps.size(); ++i) {
+            Step const& step = sequence.steps[i];
+            SCOPED_TRACE("step " + std::to_string(i));
+            if (step.kind == Step::Alloc) {
+                auto* block = dynamic_cast<CStdMemoryBlock*>(manager.MemoryBlockAlloc(step.size));
+                ASSERT_NE(block, nullptr);
+                blocks[i] = block;
+                starts[i] = block->Start();
+                ends[i] = block->PageAddressOverThis();
+                unsigned long long const rounded = (step.size + P - 1) / P * P;
+                EXPECT_EQ(block->Size(), step.size);
+                EXPECT_EQ(block->AllocatedSize(), rounded);
+                EXPECT_EQ(Address(block->End()), Address(block->Start()) + step.size);
+                EXPECT_EQ(Address(block->PageAddressOverThis()), Address(block->Start()) + rounded);
+                EXPECT_EQ(Address(block->Start()) % P, 0u);
+                EXPECT_EQ(block->Start() == nullptr, step.size == 0);
+                if (step.where == Step::At) {
+                    EXPECT_EQ(block->Start(), starts[step.ref]);
+                } else if (step.where == Step::Behind) {
+                    EXPECT_EQ(block->Start(), ends[step.ref]);
+                }
+                if (step.size)
+                    std::memset(block->Start(), 0xA5, step.size); // the pages are there
+            } else {
+                manager.FreeMemoryBlock(blocks[step.ref]);
+            }
+            EXPECT_EQ(manager.TotalReservedMemory(), step.reserved);
+            EXPECT_EQ(manager.MemoryInUse(), step.inUse);
+            EXPECT_EQ(manager.SizeOfAllocatedMemory(), step.inUse);
+            EXPECT_EQ(manager.SizeOfLockedMemory(), step.inUse);
+            EXPECT_EQ(manager.NumberOfReservedBlocks(), 1);
+            auto const posted = messages->Take();
+            ASSERT_EQ(posted.size(), static_cast<std::size_t>(step.posts));
+            for (auto const& m : posted) {
+                EXPECT_EQ(m.number, MSG_MEMORY_CHANGED);
+                EXPECT_TRUE(m.posted);
+                EXPECT_EQ(m.param1, 0u);
+                EXPECT_EQ(m.param2, 0u);
+            }
+        }
+    }
+}
+
+TEST(CStdMemoryManager, AnEmptiedFrameGoesBackOnlyAboveTheLimit) {
+    // Frames this large are reserved, never touched, so they cost address space only.
+    unsigned long long const atLimit = CStdMemoryManager::kReleaseLimit / P * P;
+    struct Row {
+        char const* name;
+        unsigned long long frame;
+        unsigned long long reservedAfterFree;
+    } const rows[] = {
+        {"at the limit the frame stays", atLimit, atLimit},
+        {"one page above it goes back", atLimit + P, 0},
+        {"a small frame stays", P, P},
+    };
+    for (auto const& row : rows) {
+        SCOPED_TRACE(row.name);
+        CStdMemoryManager manager;
+        manager.Init(row.frame, P);
+        CMemoryBlock* block = manager.MemoryBlockAlloc(P);
+        void* start = block->Start();
+        manager.FreeMemoryBlock(block);
+        EXPECT_EQ(manager.TotalReservedMemory(), row.reservedAfterFree);
+        EXPECT_EQ(manager.MemoryInUse(), 0u);
+        // A kept frame serves the next request from the same place; a released one is gone
+        // and the request makes a frame of its own.
+        CMemoryBlock* again = manager.MemoryBlockAlloc(P);
+        if (row.reservedAfterFree) {
+            EXPECT_EQ(again->Start(), start);
+        }
+        EXPECT_EQ(manager.TotalReservedMemory(), row.reservedAfterFree ? row.reservedAfterFree : P);
+        manager.FreeMemoryBlock(again);
+    }
+}
+
+TEST(CStdMemoryManager, RefusedRequestsRaiseAndChangeNothing) {
+    struct Row {
+        char const* name;
+        void (*request)(CStdMemoryManager&);
+    } const rows[] = {
+        {"Init with a first size of 0", [](CStdMemoryManager& m) { m.Init(0, P); }},
+        {"more than the address space",
+         [](CStdMemoryManager& m) { m.MemoryBlockAlloc(1ull << 62); }},
+        {"a size that cannot be rounded to pages",
+         [](CStdMemoryManager& m) { m.MemoryBlockAlloc(ULLONG_MAX); }},
+        {"Init beyond the address space", [](CStdMemoryManager& m) { m.Init(1ull << 62, P); }},
+    };
+    for (auto const& row : rows) {
+        SCOPED_TRACE(row.name);
+        MessageCounter::Installed messages;
+        CStdMemoryManager manager;
+        CMemoryBlock* kept = manager.MemoryBlockAlloc(P);
+        messages->Take();
+        try {
+            row.request(manager);
+            ADD_FAILURE() << "no error raised";
+        } catch (BError const& e) {
+            EXPECT_EQ(e.Error(), BError::kMemoryAllocFailed);
+            EXPECT_FALSE(e.Argument(0).IsEmpty()) << "the system's text";
+            EXPECT_TRUE(e.Argument(1).IsEmpty());
+        }
+        EXPECT_EQ(manager.TotalReservedMemory(), P);
+        EXPECT_EQ(manager.MemoryInUse(), P);
+        EXPECT_TRUE(messages->Take().empty());
+        // The lock was left: another thread can still get in.
+        std::thread([&] { manager.FreeMemoryBlock(kept); }).join();
+        EXPECT_EQ(manager.MemoryInUse(), 0u);
+    }
+}
+
+TEST(CStdMemoryManager, AFailedInitStillSetsTheLaterFrameSize) {
+    CStdMemoryManager manager;
+    EXPECT_THROW(manager.Init(0, 3 * P - 1), BError);
+    manager.FreeMemoryBlock(manager.MemoryBlockAlloc(1));
+    EXPECT_EQ(manager.TotalReservedMemory(), 3 * P);
+}
+
+TEST(CStdMemoryManager, AFreedBlockLeavesResidentMemoryWhileItsFrameStays) {
+    unsigned long long const size = 64ull << 20;
+    CStdMemoryManager manager;
+    manager.Init(size, size);
+    CMemoryBlock* block = manager.MemoryBlockAlloc(size);
+    std::memset(block->Start(), 1, size);
+    std::uint64_t const touched = qv::platform::ProcessResidentBytes();
+    ASSERT_GT(touched, size) << "the resident size can be read";
+    manager.FreeMemoryBlock(block);
+    std::uint64_t const freed = qv::platform::ProcessResidentBytes();
+    EXPECT_GE(touched - std::min(touched, freed), size * 3 / 4)
+        << "resident before " << touched << ", after " << freed;
+    EXPECT_EQ(manager.TotalReservedMemory(), size);
+}
+
+// QVAlloc and QVFree with and without a registered manager.
+class QVAllocTest : public ::testing::Test {
+protected:
+    void TearDown() override { CMemoryBlockManager::RegisterMemoryManager(nullptr); }
+};
+
+TEST_F(QVAllocTest, WithoutAManagerBlocksComeFromTheHeap) {
+    for (unsigned long long size : {0ull, 1ull, 100ull, 5 * P + 3}) {
+        SCOPED_TRACE(size);
+        CMemoryBlock* block = QVAlloc(size);
+        ASSERT_NE(block, nullptr);
+        EXPECT_EQ(dynamic_cast<CStdMemoryBlock*>(block), nullptr);
+        EXPECT_EQ(block->Size(), size);
+        EXPECT_EQ(block->Start() == nullptr, size == 0);
+        EXPECT_EQ(Address(block->End()), Address(block->Start()) + size);
+        if (size)
+            std::memset(block->Start(), 0x5A, size);
+        QVFree(block);
+    }
+    QVFree(nullptr);
+}
+
+TEST_F(QVAllocTest, ARegisteredManagerServesAndRejectsWhatItDidNotMake) {
+    CMemoryBlock* fromHeap = QVAlloc(P);
+    CStdMemoryManager manager, other;
+    CMemoryBlock* otherBlock = other.MemoryBlockAlloc(P);
+    CMemoryBlockManager::RegisterMemoryManager(&manager);
+    EXPECT_EQ(CMemoryBlockManager::RegisteredMemoryManager(), &manager);
+
+    CMemoryBlock* block = QVAlloc(P + 1);
+    EXPECT_EQ(manager.MemoryInUse(), 2 * P);
+    MessageCounter::Installed messages;
+    try {
+        QVFree(fromHeap);
+        ADD_FAILURE() << "a heap block was taken";
+    } catch (BError const& e) {
+        EXPECT_EQ(e.Error(), BError::kMemoryAllocFailed);
+        EXPECT_EQ(e.Argument(0), WString(u"$IDS_ErrorHint26"));
+    }
+    QVFree(otherBlock); // another manager's block: nothing happens
+    QVFree(nullptr);
+    EXPECT_TRUE(messages->Take().empty());
+    EXPECT_EQ(manager.MemoryInUse(), 2 * P);
+    EXPECT_EQ(other.MemoryInUse(), P);
+    QVFree(block);
+    EXPECT_EQ(manager.MemoryInUse(), 0u);
+    EXPECT_EQ(messages->Take().size(), 1u);
+
+    CMemoryBlockManager::RegisterMemoryManager(nullptr);
+    std::memset(fromHeap->Start(), 0, P); // the rejected block is still the caller's
+    QVFree(fromHeap);
+    other.FreeMemoryBlock(otherBlock);
+}
