@@ -56,7 +56,36 @@ int main() {
                                   {u"Node1", u"node1"},
                                   {u"ABC", u"abd"},
                                   {u"x", u"x "},
-                                  {u"1", u"\u00B2"}};
+                                  {u"1", u"\u00B2"},
+                                  // width, compatibility and other third-level differences
+                                  {u"\uFF21", u"A"},
+                                  {u"\uFF21", u"\uFF41"},
+                                  {u"\u00B9", u"1"},
+                                  {u"\u00A0", u" "},
+                                  {u"\u2160", u"I"},
+                                  {u"\u2160", u"\u2170"},
+                                  {u"\u0661", u"1"},
+                                  {u"\u200B", u""},
+                                  {u"a", u"a\u200B"},
+                                  {u"e\u0301", u"\u00E9"},
+                                  {u"\u24B6", u"A"},
+                                  {u"\u3042", u"\u30A2"},
+                                  // letters whose case partner does not map back
+                                  {u"\u212A", u"k"},
+                                  {u"\u212A", u"K"},
+                                  {u"\u017F", u"s"},
+                                  {u"\u0131", u"i"},
+                                  {u"\u0131", u"I"},
+                                  {u"\u0130", u"i"},
+                                  {u"\u0130", u"I"},
+                                  {u"\u03C2", u"\u03C3"},
+                                  {u"\u03C2", u"\u03A3"},
+                                  {u"\u00B5", u"\u03BC"},
+                                  {u"\u01C5", u"\u01C6"},
+                                  {u"\u01C5", u"\u01C4"},
+                                  {u"\u1E9E", u"\u00DF"},
+                                  {u"\u2126", u"\u03C9"},
+                                  {u"\u00C5", u"\u212B"}};
     for (auto& p : pairs) {
         hex(p[0]);
         std::printf(" ");

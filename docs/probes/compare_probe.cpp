@@ -57,7 +57,36 @@ int wmain() {
                                  {L"Node1", L"node1"},
                                  {L"ABC", L"abd"},
                                  {L"x", L"x "},
-                                 {L"1", L"\u00B2"}};
+                                 {L"1", L"\u00B2"},
+                                 // width, compatibility and other third-level differences
+                                 {L"\uFF21", L"A"},
+                                 {L"\uFF21", L"\uFF41"},
+                                 {L"\u00B9", L"1"},
+                                 {L"\u00A0", L" "},
+                                 {L"\u2160", L"I"},
+                                 {L"\u2160", L"\u2170"},
+                                 {L"\u0661", L"1"},
+                                 {L"\u200B", L""},
+                                 {L"a", L"a\u200B"},
+                                 {L"e\u0301", L"\u00E9"},
+                                 {L"\u24B6", L"A"},
+                                 {L"\u3042", L"\u30A2"},
+                                 // letters whose case partner does not map back
+                                 {L"\u212A", L"k"},
+                                 {L"\u212A", L"K"},
+                                 {L"\u017F", L"s"},
+                                 {L"\u0131", L"i"},
+                                 {L"\u0131", L"I"},
+                                 {L"\u0130", L"i"},
+                                 {L"\u0130", L"I"},
+                                 {L"\u03C2", L"\u03C3"},
+                                 {L"\u03C2", L"\u03A3"},
+                                 {L"\u00B5", L"\u03BC"},
+                                 {L"\u01C5", L"\u01C6"},
+                                 {L"\u01C5", L"\u01C4"},
+                                 {L"\u1E9E", L"\u00DF"},
+                                 {L"\u2126", L"\u03C9"},
+                                 {L"\u00C5", L"\u212B"}};
     for (auto& p : pairs) {
         hex(p[0]);
         std::printf(" ");
@@ -71,6 +100,11 @@ int wmain() {
                 lstrcmpA(0, ""), lstrcmpiA("a", 0));
     std::printf("StrCmpIW(0,a)=%d StrCmpIW(a,0)=%d StrCmpIW(0,0)=%d StrCmpNIW(ab,ac,0)=%d\n",
                 StrCmpIW(0, L"a"), StrCmpIW(L"a", 0), StrCmpIW(0, 0), StrCmpNIW(L"ab", L"ac", 0));
+    char const* narrow[][2] = {{"\xB9", "1"},   {"\xA0", " "},    {"\xAA", "a"},
+                               {"\xBD", "1/2"}, {"\xC4", "\xE4"}, {"a", "a\x01"}};
+    for (auto& p : narrow)
+        std::printf("A %02X %02X lstrcmpA=%d lstrcmpiA=%d\n", (unsigned char)p[0][0],
+                    (unsigned char)p[1][0], lstrcmpA(p[0], p[1]), lstrcmpiA(p[0], p[1]));
     std::printf("lstrcmpA e/\\xE9=%d lstrcmpiA \\xC4/\\xE4=%d lstrcmpA a_b/a-b=%d coop=%d\n",
                 lstrcmpA("e", "\xE9"), lstrcmpiA("\xC4", "\xE4"), lstrcmpA("a_b", "a-b"),
                 lstrcmpA("co-op", "coop"));

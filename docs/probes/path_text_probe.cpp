@@ -54,6 +54,27 @@ int main() {
         {L"a/b", L"c"},
         {L"a.", L"b."},
         {L"a\\b", L"...\\c"},
+        // a leading "..", UNC shares, empty sides
+        {L"..", L"b"},
+        {L"", L"..\\c"},
+        {L"..\\..", L"b"},
+        {L"a", L"..\\..\\c"},
+        {L"a\\..\\..", L"b"},
+        {L"..\\a", L"..\\b"},
+        {L".", L"..\\b"},
+        {L"..\\", L"b"},
+        {L"\\\\srv\\sh", L"..\\..\\..\\z"},
+        {L"\\\\srv\\sh", L"..\\..\\z"},
+        {L"\\\\srv\\sh\\a", L"..\\..\\z"},
+        {L"\\\\srv", L"..\\z"},
+        {L"\\\\srv\\sh", L""},
+        {L"\\a", L"..\\..\\c"},
+        {L"C:", L""},
+        {L"", L""},
+        {L"C:\\", L""},
+        {L"C:", L"..\\a"},
+        {L"C:\\a", L""},
+        {L"a", L""},
     };
     for (auto& p : pairs)
         combine(p[0], p[1]);
@@ -63,7 +84,13 @@ int main() {
     longDir[255] = 0;
     combine(longDir, L"abc");  // 259
     combine(longDir, L"abcd"); // 260
-    const wchar_t* specs[] = {L"C:\\a\\b",
+    const wchar_t* specs[] = {L"a.txt:stream",
+                              L"C:\\d\\a.txt:stream",
+                              L"a:b:c",
+                              L"ab:",
+                              L"x\\a:b",
+                              L"C:a",
+                              L"C:\\a",
                               L"C:\\a",
                               L"C:\\",
                               L"C:",

@@ -8,7 +8,8 @@
 
 class BError : public BSmartObj {
 public:
-    explicit BError(int code = 0);
+    // Converts from a bare code, so that a code can stand wherever an error is expected.
+    BError(int code = 0);
     BError(int code, char16_t const* a0, char16_t const* a1 = nullptr, char16_t const* a2 = nullptr,
            char16_t const* a3 = nullptr);
     BError(int code, WString a0, WString a1 = WString(), WString a2 = WString(),

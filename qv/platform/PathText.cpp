@@ -26,13 +26,27 @@ std::u16string_view Text(char16_t const* s) {
     return s ? std::u16string_view(s) : std::u16string_view();
 }
 
+// The root that ".." cannot climb above: RootLength's, and for a UNC path also the server
+// name and the separator behind it (a share can be left, the server cannot).
+std::size_t CanonicalRootLength(std::u16string_view p) {
+    std::size_t const root = RootLength(p);
+    if (root != 2 || HasDrive(p))
+        return root;
+    auto const serverEnd = std::find_if(p.begin() + 2, p.end(), IsPathSeparator);
+    return static_cast<std::size_t>(serverEnd - p.begin()) + (serverEnd != p.end() ? 1 : 0);
+}
+
 // The root with '/' for its separators, then the components with "." dropped and ".."
-// removing the one before it; ".." never climbs above the root or the start.
+// removing the one before it. ".." never climbs above the root; in a relative path the ".."
+// components it starts with are kept, and one that would climb above the start later is
+// dropped.
 std::u16string Canonical(std::u16string_view path) {
-    std::size_t const rootLength = RootLength(path);
+    std::size_t const rootLength = CanonicalRootLength(path);
     std::u16string out(path.substr(0, rootLength));
     std::replace(out.begin(), out.end(), u'\\', kPathSeparator);
     std::vector<std::u16string_view> parts;
+    std::size_t leadingUps = 0;
+    bool leading = rootLength == 0;
     std::u16string_view rest = path.substr(rootLength);
     bool const trailing = !rest.empty() && IsPathSeparator(rest.back());
     while (!rest.empty()) {
@@ -41,10 +55,15 @@ std::u16string Canonical(std::u16string_view path) {
             rest.substr(0, static_cast<std::size_t>(end - rest.begin()));
         rest.remove_prefix(std::min(rest.size(), part.size() + 1));
         if (part == u"..") {
-            if (!parts.empty())
+            if (parts.size() > leadingUps) {
                 parts.pop_back();
+            } else if (leading) {
+                parts.push_back(part);
+                ++leadingUps;
+            }
         } else if (!part.empty() && part != u".") {
             parts.push_back(part);
+            leading = false;
         }
     }
     for (std::size_t i = 0; i < parts.size(); ++i) {
@@ -99,7 +118,10 @@ char16_t* PathCombineW(char16_t* dest, char16_t const* dir, char16_t const* file
             joined += kPathSeparator;
         joined += right;
     }
-    std::u16string const result = Canonical(joined);
+    std::u16string result = Canonical(joined);
+    // Nothing on either side, or a bare drive, gives a root, as on Windows.
+    if (result.empty() ? left.empty() && right.empty() : result.size() == 2 && HasDrive(result))
+        result += kPathSeparator;
     if (result.size() >= MAX_PATH)
         return nullptr;
     std::copy(result.begin(), result.end(), dest);
@@ -137,9 +159,14 @@ bool PathRemoveFileSpecW(char16_t* path) {
     std::size_t const root = RootLength(p);
     if (p.size() <= root)
         return false;
-    std::size_t const lastSeparator = p.find_last_of(u"/\\");
-    std::size_t const cut =
-        lastSeparator != std::u16string_view::npos && lastSeparator >= root ? lastSeparator : root;
+    // A colon after the last separator ends the file name and the stream name begins, as
+    // in "a.txt:stream": the colon stays.
+    std::size_t const last = p.find_last_of(u"/\\:");
+    std::size_t cut = root;
+    if (last != std::u16string_view::npos && last >= root)
+        cut = p[last] == u':' ? last + 1 : last;
+    if (cut == p.size())
+        return false;
     path[cut] = 0;
     return true;
 }

@@ -29,16 +29,20 @@ bool PathIsAbsolute(std::u16string_view path);
 std::string NativePath(std::u16string_view path);
 
 // Joins dir and file into dest (MAX_PATH units) and resolves "." and ".." components; an
-// absolute file stands alone. A null side counts as empty. Returns dest, or null (and an empty
-// dest) when dest is null, both sides are null or the result has MAX_PATH units or more.
+// absolute file stands alone. ".." stops at the root (for a UNC path, at the server) and at
+// the start of a relative path, except that the ".." a relative path starts with are kept
+// ("..", "b" gives "../b"). Two empty sides give "/", a bare drive "C:/". A null side counts
+// as empty. Returns dest, or null (and an empty dest) when dest is null, both sides are null
+// or the result has MAX_PATH units or more.
 char16_t* PathCombineW(char16_t* dest, char16_t const* dir, char16_t const* file);
 // The last dot of the last component, or the terminator when that component has no dot or a
 // blank behind its last dot.
 char16_t const* PathFindExtensionW(char16_t const* path);
 // The last component; a trailing separator stays with it ("a\b\" gives "b\").
 char16_t const* PathFindFileNameW(char16_t const* path);
-// Removes the last component and its separator, keeping a root ("C:\", "/", "\\"). True when
-// something was removed.
+// Removes the last component and its separator, keeping a root ("C:\", "/", "\\"); after a
+// colon behind the last separator only the stream name goes ("a.txt:s" gives "a.txt:"). True
+// when something was removed.
 bool PathRemoveFileSpecW(char16_t* path);
 // Moves the last component to the front of the buffer.
 void PathStripPathW(char16_t* path);

@@ -10,11 +10,13 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <unicode/uchar.h>
 #include <unicode/ucol.h>
 #include <unicode/uset.h>
 #include <unicode/ustring.h>
+#include <unicode/utf16.h>
 #include <unicode/uvernum.h>
 
 #if defined(__SSE2__)
@@ -73,17 +75,24 @@ namespace {
 
 // One collator configuration, immutable once built and shared by all threads. ICU documents
 // cloning, not sharing, as the way to use one collator on several threads, so each thread
-// compares with its own clones of the two collators here; the rank tables are plain data and
+// compares with its own clone of the collator here; the rank tables are plain data and
 // shared. A locale change publishes a new instance; threads still holding the old one finish
 // their comparison with it.
+//
+// The collator works at identical strength: texts that collate alike at every level are still
+// ordered by their code points (after canonical decomposition), so only canonically
+// equivalent texts are equal, as on Windows ("a" and "a\x01", U+200B and "", "1" and an
+// Arabic-Indic one are all different there). Case-blind comparison folds case first and then
+// compares the same way, so it ignores case and nothing else: width, compatibility forms and
+// no-break spaces keep texts apart.
 struct Collation {
-    UCollator* tertiary = nullptr;
-    UCollator* secondary = nullptr;
+    UCollator* identical = nullptr;
 
     // Printable ASCII is by far the most common input. Each such character is one collation
     // element with a non-zero primary weight in the usual locales, so comparing rank tables
     // gives ICU's answer without ICU's per-call overhead. A rank of 0 marks a unit the tables
-    // cannot answer for (controls are ignorable, everything above 0x7E may combine).
+    // cannot answer for (controls are ignorable, everything above 0x7E may combine). The
+    // tertiary ranks are all different, so texts the tables call equal are the same text.
     bool fast = false;
     std::uint8_t primary[128] = {};
     std::uint8_t tertiaryRank[128] = {};
@@ -92,10 +101,8 @@ struct Collation {
     Collation(Collation const&) = delete;
     Collation& operator=(Collation const&) = delete;
     ~Collation() {
-        if (tertiary != nullptr)
-            ucol_close(tertiary);
-        if (secondary != nullptr)
-            ucol_close(secondary);
+        if (identical != nullptr)
+            ucol_close(identical);
     }
 };
 
@@ -134,20 +141,36 @@ bool HasAsciiContraction(UCollator const* coll) {
     return found;
 }
 
+UCollator* OpenCollator(char const* locale, UColAttributeValue strength) {
+    UErrorCode status = U_ZERO_ERROR;
+    UCollator* coll = ucol_open(locale, &status);
+    if (U_FAILURE(status))
+        return nullptr;
+    ucol_setStrength(coll, strength);
+    return coll;
+}
+
 // Ranks of the printable ASCII characters as the collators order them; fast stays false when
 // a check shows the tables would not reproduce ICU's answer for every ASCII string.
 void BuildFastTables(Collation& c, char const* locale) {
-    UErrorCode status = U_ZERO_ERROR;
-    UCollator* primary = ucol_open(locale, &status);
-    if (U_FAILURE(status))
+    std::unique_ptr<UCollator, void (*)(UCollator*)> const primaryOwner(
+        OpenCollator(locale, UCOL_PRIMARY), ucol_close);
+    std::unique_ptr<UCollator, void (*)(UCollator*)> const secondaryOwner(
+        OpenCollator(locale, UCOL_SECONDARY), ucol_close);
+    std::unique_ptr<UCollator, void (*)(UCollator*)> const tertiaryOwner(
+        OpenCollator(locale, UCOL_TERTIARY), ucol_close);
+    UCollator const* primary = primaryOwner.get();
+    UCollator const* secondary = secondaryOwner.get();
+    UCollator const* tertiary = tertiaryOwner.get();
+    if (!primary || !secondary || !tertiary)
         return;
-    ucol_setStrength(primary, UCOL_PRIMARY);
     auto cmp = [](UCollator const* coll, char16_t x, char16_t y) {
         return ucol_strcoll(coll, &x, 1, &y, 1);
     };
 
-    bool ok = ucol_getAttribute(c.tertiary, UCOL_NUMERIC_COLLATION, &status) != UCOL_ON &&
-              U_SUCCESS(status) && !HasAsciiContraction(c.tertiary);
+    UErrorCode status = U_ZERO_ERROR;
+    bool ok = ucol_getAttribute(tertiary, UCOL_NUMERIC_COLLATION, &status) != UCOL_ON &&
+              U_SUCCESS(status) && !HasAsciiContraction(tertiary);
     // Each character must weigh something at the primary level (an ignorable one would make
     // "a b" equal "ab"), which also rules out locales that shift punctuation.
     for (char16_t ch = firstFast; ok && ch <= lastFast; ++ch)
@@ -168,35 +191,29 @@ void BuildFastTables(Collation& c, char const* locale) {
             c.primary[chars[i]] = rank;
         }
         std::sort(chars, chars + count,
-                  [&](char16_t x, char16_t y) { return cmp(c.tertiary, x, y) < 0; });
+                  [&](char16_t x, char16_t y) { return cmp(tertiary, x, y) < 0; });
         rank = 0;
         for (int i = 0; i < count; ++i) {
-            if (i == 0 || cmp(c.tertiary, chars[i - 1], chars[i]) != 0)
-                ++rank;
-            c.tertiaryRank[chars[i]] = rank;
+            // Two characters alike at every level would need the identical level as well.
+            if (i > 0 && cmp(tertiary, chars[i - 1], chars[i]) == 0)
+                ok = false;
+            c.tertiaryRank[chars[i]] = ++rank;
         }
         // Characters sharing a primary weight must differ at most at the tertiary level
         // (case); a secondary difference or a case level would need more than two tables.
         for (char16_t x = firstFast; ok && x <= lastFast; ++x)
             for (char16_t y = firstFast; ok && y <= lastFast; ++y)
                 if (c.primary[x] == c.primary[y])
-                    ok = cmp(c.secondary, x, y) == 0;
+                    ok = cmp(secondary, x, y) == 0;
     }
-    ucol_close(primary);
     c.fast = ok;
 }
 
 std::shared_ptr<Collation const> Build(char const* locale) {
     auto c = std::make_shared<Collation>();
-    UErrorCode status = U_ZERO_ERROR;
-    c->tertiary = ucol_open(locale, &status);
-    if (U_FAILURE(status))
+    c->identical = OpenCollator(locale, UCOL_IDENTICAL);
+    if (c->identical == nullptr)
         return nullptr;
-    c->secondary = ucol_open(locale, &status);
-    if (U_FAILURE(status))
-        return nullptr;
-    ucol_setStrength(c->tertiary, UCOL_TERTIARY);
-    ucol_setStrength(c->secondary, UCOL_SECONDARY);
     BuildFastTables(*c, locale);
     return c;
 }
@@ -215,14 +232,13 @@ UCollator* Clone(UCollator const* coll) {
     return U_SUCCESS(status) ? clone : nullptr;
 }
 
-// Each thread keeps the instance it last used, with its own clones of the collators, and only
+// Each thread keeps the instance it last used, with its own clone of the collator, and only
 // takes the lock when a locale change has been published since, so a comparison costs one
 // atomic load.
 struct CollationCache {
     unsigned generation = ~0u;
     std::shared_ptr<Collation const> collation;
-    UCollator* tertiary = nullptr;
-    UCollator* secondary = nullptr;
+    UCollator* identical = nullptr;
 
     CollationCache() = default;
     CollationCache(CollationCache const&) = delete;
@@ -230,11 +246,9 @@ struct CollationCache {
     ~CollationCache() { CloseClones(); }
 
     void CloseClones() {
-        if (tertiary != nullptr)
-            ucol_close(tertiary);
-        if (secondary != nullptr)
-            ucol_close(secondary);
-        tertiary = secondary = nullptr;
+        if (identical != nullptr)
+            ucol_close(identical);
+        identical = nullptr;
     }
 };
 thread_local CollationCache collationCache;
@@ -242,7 +256,7 @@ thread_local CollationCache collationCache;
 CollationCache const& CurrentCollation() {
     CollationCache& cache = collationCache;
     unsigned const generation = collationGeneration.load(std::memory_order_acquire);
-    if (cache.tertiary != nullptr && cache.generation == generation)
+    if (cache.identical != nullptr && cache.generation == generation)
         return cache;
     std::shared_ptr<Collation const> shared;
     {
@@ -253,8 +267,7 @@ CollationCache const& CurrentCollation() {
         cache.generation = collationGeneration.load(std::memory_order_relaxed);
     }
     cache.CloseClones();
-    cache.tertiary = Clone(shared->tertiary);
-    cache.secondary = Clone(shared->secondary);
+    cache.identical = Clone(shared->identical);
     cache.collation = std::move(shared);
     return cache;
 }
@@ -266,6 +279,7 @@ int Sign(int v) {
 // The table answer for two terminated strings of printable ASCII, or 2 when either holds a
 // unit the tables do not cover. Primary weights over the whole strings decide first; only when
 // they are all equal (so both strings have the same length) does the first case difference.
+// Case-blind, letters are folded first, so what remains is the same text.
 template <typename Unit>
 int FastCompare(Collation const& c, Unit const* a, Unit const* b, bool caseSensitive) {
     using U = std::make_unsigned_t<Unit>;
@@ -277,12 +291,16 @@ int FastCompare(Collation const& c, Unit const* a, Unit const* b, bool caseSensi
         return true;
     };
     int tertiaryOrder = 0;
+    auto fold = [&](Unit u) {
+        U const x = static_cast<U>(u);
+        return !caseSensitive && x >= 'A' && x <= 'Z' ? static_cast<U>(x + 32) : x;
+    };
     for (std::size_t i = 0;; ++i) {
-        U const x = static_cast<U>(a[i]);
-        U const y = static_cast<U>(b[i]);
+        U const x = fold(a[i]);
+        U const y = fold(b[i]);
         if (x == 0 || y == 0) {
             if (x == 0 && y == 0)
-                return caseSensitive ? tertiaryOrder : 0;
+                return tertiaryOrder;
             if (x == 0)
                 return validRest(b + i) ? -1 : 2;
             return validRest(a + i) ? 1 : 2;
@@ -312,6 +330,61 @@ std::u16string FromAnsi(char const* s) {
     return out;
 }
 
+// Whether a character keeps its case in case-blind comparisons although Unicode folds it: the
+// compatibility variants that Windows does not count as case forms of the letter they fold to
+// (micro sign, long s, the Greek symbol forms of beta, theta, phi, pi, kappa and rho, the
+// iota subscript, the old Cyrillic small forms). Final sigma, the title-case digraphs, the
+// capital sharp s and the Kelvin and Ohm signs do fold, as they do on Windows.
+bool KeepsItsCase(UChar32 c) {
+    switch (c) {
+    case 0x00B5:
+    case 0x017F:
+    case 0x0345:
+    case 0x03D0:
+    case 0x03D1:
+    case 0x03D5:
+    case 0x03D6:
+    case 0x03F0:
+    case 0x03F1:
+    case 0x03F4:
+    case 0x1E9B:
+        return true;
+    default:
+        return c >= 0x1C80 && c <= 0x1C88;
+    }
+}
+
+// Simple case folding of text, character by character, into out.
+void FoldCase(std::u16string_view text, std::u16string& out) {
+    out.clear();
+    for (std::size_t i = 0; i < text.size();) {
+        UChar32 c;
+        U16_NEXT(text.data(), i, text.size(), c);
+        if (!KeepsItsCase(c))
+            c = u_foldCase(c, U_FOLD_CASE_DEFAULT);
+        if (c <= 0xFFFF) {
+            out += static_cast<char16_t>(c);
+        } else {
+            out += static_cast<char16_t>(U16_LEAD(c));
+            out += static_cast<char16_t>(U16_TRAIL(c));
+        }
+    }
+}
+
+int Collate(UCollator const* coll, std::u16string_view a, std::u16string_view b,
+            bool caseSensitive) {
+    if (!caseSensitive) {
+        thread_local std::u16string foldedA;
+        thread_local std::u16string foldedB;
+        FoldCase(a, foldedA);
+        FoldCase(b, foldedB);
+        a = foldedA;
+        b = foldedB;
+    }
+    return Sign(ucol_strcoll(coll, a.data(), static_cast<int32_t>(a.size()), b.data(),
+                             static_cast<int32_t>(b.size())));
+}
+
 // Both widths: null first, then the ASCII tables where they decide, else ICU. Printable ASCII
 // reads the same in every ANSI code page we support, so narrow text takes the same tables and
 // is widened only for ICU.
@@ -326,15 +399,10 @@ int Compare(Unit const* a, Unit const* b, bool caseSensitive) {
         if (r != 2)
             return r;
     }
-    UCollator const* coll = caseSensitive ? cache.tertiary : cache.secondary;
-    if constexpr (std::is_same_v<Unit, char16_t>) {
-        return Sign(ucol_strcoll(coll, a, -1, b, -1));
-    } else {
-        std::u16string const wa = FromAnsi(a);
-        std::u16string const wb = FromAnsi(b);
-        return Sign(ucol_strcoll(coll, wa.data(), static_cast<int32_t>(wa.size()), wb.data(),
-                                 static_cast<int32_t>(wb.size())));
-    }
+    if constexpr (std::is_same_v<Unit, char16_t>)
+        return Collate(cache.identical, a, b, caseSensitive);
+    else
+        return Collate(cache.identical, FromAnsi(a), FromAnsi(b), caseSensitive);
 }
 
 } // namespace
@@ -536,7 +604,8 @@ int StrCmpNIW(char16_t const* a, char16_t const* b, int n) {
     int lb = 0;
     while (lb < n && b[lb] != 0)
         ++lb;
-    return Sign(ucol_strcoll(CurrentCollation().secondary, a, la, b, lb));
+    return Collate(CurrentCollation().identical, std::u16string_view(a, static_cast<std::size_t>(la)),
+                   std::u16string_view(b, static_cast<std::size_t>(lb)), false);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -597,13 +666,15 @@ inline bool IsSurrogate(char16_t c) {
 }
 } // namespace
 
+// Windows maps a character only to a partner that maps back to it: ı, ſ, µ and the title-case
+// digraphs keep their form going up, İ, ẞ and the Kelvin, Ohm and Angstrom signs going down.
 char16_t ToUpperW(char16_t c) {
     if (c < 0x80)
         return (c >= u'a' && c <= u'z') ? static_cast<char16_t>(c - 32) : c;
     if (IsSurrogate(c))
         return c;
     UChar32 const u = u_toupper(c);
-    return u <= 0xFFFF ? static_cast<char16_t>(u) : c;
+    return u <= 0xFFFF && u_tolower(u) == c ? static_cast<char16_t>(u) : c;
 }
 
 char16_t ToLowerW(char16_t c) {
@@ -612,14 +683,15 @@ char16_t ToLowerW(char16_t c) {
     if (IsSurrogate(c))
         return c;
     UChar32 const u = u_tolower(c);
-    return u <= 0xFFFF ? static_cast<char16_t>(u) : c;
+    return u <= 0xFFFF && u_toupper(u) == c ? static_cast<char16_t>(u) : c;
 }
 
 // The runtime classifies by Unicode character type, with the quirks of its Latin-1 table:
-// ª, µ and º count as punctuation, the superscripts ¹ ² ³ as digits, and tab as printable.
+// ª, µ and º count as punctuation, the superscripts ¹ ² ³ as digits, the fractions ¼ ½ ¾ as
+// punctuation, and tab as printable.
 namespace {
 inline bool IsLatin1Punctuation(char16_t c) {
-    return c == 0xAA || c == 0xB5 || c == 0xBA;
+    return c == 0xAA || c == 0xB5 || c == 0xBA || (c >= 0xBC && c <= 0xBE);
 }
 inline bool IsLatin1Superscript(char16_t c) {
     return c == 0xB2 || c == 0xB3 || c == 0xB9;

@@ -11,9 +11,12 @@ namespace qv::platform {
 int lstrlenW(char16_t const* s);
 
 // Three-way comparison under the user's locale (ICU collation, root locale unless the
-// application chose another with SetCollationLocale). Negative, 0 or positive. The case-blind
-// forms compare at secondary strength. A null pointer orders before every text and equals
-// another null pointer, as on Windows. The A forms read their bytes in the ANSI code page.
+// application chose another with SetCollationLocale). Negative, 0 or positive. Only
+// canonically equivalent texts are equal: where the collation sees no difference, code points
+// decide. The case-blind forms fold case first and ignore nothing else, so full-width, other
+// compatibility forms and no-break spaces stay different from their plain letters. A null
+// pointer orders before every text and equals another null pointer, as on Windows. The A
+// forms read their bytes in the ANSI code page.
 int lstrcmpW(char16_t const* a, char16_t const* b);
 int lstrcmpiW(char16_t const* a, char16_t const* b);
 int lstrcmpA(char const* a, char const* b);

@@ -330,7 +330,11 @@ private:
 
     bool Char(Conversion const& s) {
         int c = va_arg(m_args, int);
-        if (WantsWide(s)) {
+        bool const wide = WantsWide(s);
+        // The character 0 is written like any other: one zero unit, counted in the result.
+        if ((wide ? static_cast<char16_t>(c) : static_cast<char>(c)) == 0) {
+            Text(s, std::basic_string<Unit>(1, Unit{0}), true);
+        } else if (wide) {
             char16_t unit[1] = {static_cast<char16_t>(c)};
             Text(s, ToWidth<Unit>(unit, 1), true);
         } else {

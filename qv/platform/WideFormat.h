@@ -4,7 +4,8 @@
 // files and user-visible text that the Windows library made the same way:
 // - In a 16-bit format %s and %c take 16-bit text and units, %S, %hs and %hc narrow ones; in a
 //   narrow format %s and %c are narrow, %S, %ls, %ws, %C and %lc take 16-bit text. Text of the
-//   other width passes through the ANSI code page. A null text prints "(null)".
+//   other width passes through the ANSI code page. A null text prints "(null)". The character
+//   0 prints as one zero unit and counts in the length.
 // - Size prefixes h, hh, l, ll, j, z, t, L, I, I32 and I64. %ld reads a long, which is 64 bits
 //   here: the caller passes what its own type is.
 // - %p prints 16 upper-case hexadecimal digits; %a prints 13 hexadecimal digits unless a

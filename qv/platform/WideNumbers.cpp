@@ -25,7 +25,8 @@ bool IsSpace(char16_t c) {
         return true;
     if (c > ' ' && c < 0x7F)
         return false;
-    return IsSpaceW(c);
+    // The current runtime's iswspace also takes NEL, which the older one did not.
+    return c == 0x85 || IsSpaceW(c);
 }
 
 template <class Unit>
@@ -46,6 +47,28 @@ int DigitValue(Unit c) {
     return 99;
 }
 
+// The zeros of the scripts whose decimal digits _wtoi and wcstoul read besides ASCII:
+// Arabic-Indic, extended Arabic-Indic, Devanagari, Bengali, Gurmukhi, Gujarati, Oriya, Telugu,
+// Kannada, Malayalam, Thai, Lao, Tibetan, Myanmar, Khmer, Mongolian and full-width. Other
+// scripts' digits and superscripts end the number there.
+constexpr char16_t kDigitZeros[] = {0x0660, 0x06F0, 0x0966, 0x09E6, 0x0A66, 0x0AE6,
+                                    0x0B66, 0x0C66, 0x0CE6, 0x0D66, 0x0E50, 0x0ED0,
+                                    0x0F20, 0x1040, 0x17E0, 0x1810, 0xFF10};
+
+// DigitValue, with the decimal digits of those scripts for 16-bit text.
+template <class Unit>
+int AnyDigitValue(Unit c) {
+    if constexpr (sizeof(Unit) == 2) {
+        if (c >= kDigitZeros[0]) {
+            for (char16_t zero : kDigitZeros)
+                if (c >= zero && c <= zero + 9)
+                    return c - zero;
+            return 99;
+        }
+    }
+    return DigitValue(c);
+}
+
 // Case-blind match of an ASCII word at p.
 template <class Unit>
 bool StartsWithWord(Unit const* p, char const* word) {
@@ -56,29 +79,25 @@ bool StartsWithWord(Unit const* p, char const* word) {
 }
 
 // The characters that can belong to a number, copied as bytes so that std::from_chars can read
-// them. Narrow text is read in place.
+// them. A decimal number may mark its exponent with 'd' or 'D' as well as 'e': the copy reads
+// it as 'e' (in a hexadecimal number 'd' is a digit and stays).
 template <class Unit>
 class NumberText {
 public:
-    explicit NumberText(Unit const* p) {
-        if constexpr (sizeof(Unit) == 1) {
-            m_data = p;
-            m_size = std::char_traits<char>::length(p);
-        } else {
-            std::size_t n = 0;
-            while (p[n] < 0x80 &&
-                   (DigitValue(p[n]) < 36 || p[n] == '.' || p[n] == '+' || p[n] == '-'))
-                ++n;
-            char* dst = m_small;
-            if (n > sizeof m_small) {
-                m_big.resize(n);
-                dst = m_big.data();
-            }
-            for (std::size_t i = 0; i < n; ++i)
-                dst[i] = static_cast<char>(p[i]);
-            m_data = dst;
-            m_size = n;
+    NumberText(Unit const* p, bool hex) {
+        std::size_t n = 0;
+        while (static_cast<std::make_unsigned_t<Unit>>(p[n]) < 0x80 &&
+               (DigitValue(p[n]) < 36 || p[n] == '.' || p[n] == '+' || p[n] == '-'))
+            ++n;
+        char* dst = m_small;
+        if (n > sizeof m_small) {
+            m_big.resize(n);
+            dst = m_big.data();
         }
+        for (std::size_t i = 0; i < n; ++i)
+            dst[i] = !hex && (p[i] | 0x20) == 'd' ? 'e' : static_cast<char>(p[i]);
+        m_data = dst;
+        m_size = n;
     }
     char const* begin() const { return m_data; }
     char const* end() const { return m_data + m_size; }
@@ -136,7 +155,7 @@ Unit const* ParseFloat(Unit const* p, F& out, bool strict) {
             out = negative ? -F(0) : F(0); // strtod takes the "0" of "0x"
             return s + 1;
         }
-        NumberText<Unit> text(digits);
+        NumberText<Unit> text(digits, hex);
         auto [end, ec] = std::from_chars(text.begin(), text.end(), value,
                                          hex ? std::chars_format::hex : std::chars_format::general);
         if (ec == std::errc::invalid_argument)
@@ -144,8 +163,8 @@ Unit const* ParseFloat(Unit const* p, F& out, bool strict) {
         if (ec == std::errc::result_out_of_range)
             value = OutOfRange<F>(text.begin(), end, hex);
         s = digits + (end - text.begin());
-        char exponent = hex ? 'p' : 'e';
-        if (strict && (*s | 0x20) == exponent)
+        Unit const marker = *s | 0x20;
+        if (strict && (hex ? marker == 'p' : marker == 'e' || marker == 'd'))
             return nullptr;
     }
     out = negative ? -value : value;
@@ -160,13 +179,47 @@ int ToInt(Unit const* text) {
     bool negative = *p == '-';
     p += (*p == '-' || *p == '+');
     long long value = 0;
-    for (; *p >= '0' && *p <= '9'; ++p) {
-        value = value * 10 + (*p - '0');
+    for (int digit; (digit = AnyDigitValue(*p)) < 10; ++p) {
+        value = value * 10 + digit;
         if (value > static_cast<long long>(INT_MAX) + 1)
             break;
     }
     value = negative ? -value : value;
     return static_cast<int>(std::clamp<long long>(value, INT_MIN, INT_MAX));
+}
+
+unsigned long ToUnsigned32(char16_t const* text, char16_t** end, int base) {
+    if (end)
+        *end = const_cast<char16_t*>(text);
+    if (!text || base < 0 || base == 1 || base > 36) {
+        errno = EINVAL;
+        return 0;
+    }
+    char16_t const* p = SkipSpace(text);
+    bool const negative = *p == '-';
+    p += (*p == '-' || *p == '+');
+    bool const prefixed = p[0] == '0' && (p[1] | 0x20) == 'x';
+    if (base == 0)
+        base = prefixed ? 16 : p[0] == '0' ? 8 : 10;
+    if (base == 16 && prefixed)
+        p += 2; // and then there must be a digit, or nothing was read at all
+    if (AnyDigitValue(*p) >= base)
+        return 0;
+    std::uint64_t value = 0;
+    bool overflow = false;
+    for (int digit; (digit = AnyDigitValue(*p)) < base; ++p) {
+        value = value * static_cast<unsigned>(base) + static_cast<unsigned>(digit);
+        if (value > 0xFFFFFFFFu) {
+            overflow = true;
+            value = 0xFFFFFFFFu;
+        }
+    }
+    if (end)
+        *end = const_cast<char16_t*>(p);
+    if (overflow)
+        errno = ERANGE;
+    // The sign applies to the saturated value too: "-4294967296" gives 1.
+    return negative ? (0u - static_cast<std::uint32_t>(value)) : static_cast<std::uint32_t>(value);
 }
 
 template <class Unit>
@@ -343,6 +396,10 @@ int atoi(char const* text) {
 
 int _wtoi(char16_t const* text) {
     return ToInt(text);
+}
+
+unsigned long wcstoul(char16_t const* text, char16_t** end, int base) {
+    return ToUnsigned32(text, end, base);
 }
 
 double atof(char const* text) {

@@ -13,13 +13,25 @@
 namespace qv::platform {
 
 // Leading white space, an optional sign and decimal digits; 0 when there are none. Values
-// beyond the int range give INT_MAX or INT_MIN.
+// beyond the int range give INT_MAX or INT_MIN. The 16-bit form also reads the decimal digits
+// of the Arabic, Indic, South-East Asian and Mongolian scripts and the full-width ones
+// ("１２" and "١٢" give 12); superscripts and other scripts' digits end the number.
 int atoi(char const* text);
 int _wtoi(char16_t const* text);
 
+// Leading white space, an optional sign, and digits in base 2 to 36 (letters of either case
+// above 9; the decimal digits _wtoi reads); base 0 chooses 16 for a "0x" prefix, 8 for a
+// leading 0, else 10; base 16 accepts the prefix. The value is 32 bits, as unsigned long is on
+// Windows: beyond 0xFFFFFFFF it saturates there and errno becomes ERANGE; a minus sign then
+// negates modulo 2^32 ("-1" gives 0xFFFFFFFF). *end, when end is not null, points behind the
+// last digit, or at text when there was no number ("0x" alone reads nothing). A bad base or a
+// null text gives 0 with errno EINVAL.
+unsigned long wcstoul(char16_t const* text, char16_t** end, int base);
+
 // Leading white space and the longest prefix that strtod reads: decimal or hexadecimal
-// ("0x1.8p3") numbers, "inf", "infinity", "nan" and "nan(...)", any case. 0 when there is no
-// number; overflow gives an infinity, underflow 0 or a subnormal value.
+// ("0x1.8p3") numbers, "inf", "infinity", "nan" and "nan(...)", any case. A decimal exponent
+// may be marked with d or D as with e ("1d3" is 1000). 0 when there is no number; overflow
+// gives an infinity, underflow 0 or a subnormal value.
 double atof(char const* text);
 double _wtof(char16_t const* text);
 
@@ -32,11 +44,11 @@ int _i64tow_s(long long value, char16_t* buffer, std::size_t size, int radix);
 
 // sscanf and swscanf for the formats the library scans: white space (skips any), literal
 // characters, %%, and the conversions %d %u %x %X %o (with h, l, ll or I64: short, long,
-// long long targets), %e %f %g %E %G (float, or double with l), %c (one unit of the text's
-// width). As in the MSVC runtime, a conversion reads the longest text that can begin a number
-// and fails when that text is not one ("1e", "0x", "infin"); integers wrap modulo their width.
-// Returns the number of fields stored, or -1 (EOF) when the text ended before the first
-// conversion. A directive outside this set ends the scan, as a failure to match does.
+// long long targets), %e %f %g %E %G (float, or double with l; a d exponent as in atof),
+// %c (one unit of the text's width). As in the MSVC runtime, a conversion reads the longest text
+// that can begin a number and fails when that text is not one ("1e", "0x", "infin"); integers wrap
+// modulo their width. Returns the number of fields stored, or -1 (EOF) when the text ended before
+// the first conversion. A directive outside this set ends the scan, as a failure to match does.
 int sscanf(char const* text, char const* format, ...);
 int swscanf(char16_t const* text, char16_t const* format, ...);
 

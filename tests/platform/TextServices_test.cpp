@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 #include <random>
 #include <string>
+#include <unicode/uchar.h>
 #include <unicode/ucol.h>
+#include <utility>
 #include <vector>
 
 using namespace qv::platform;
@@ -73,6 +75,13 @@ private:
     UCollator* coll_ = nullptr;
 };
 
+// Unicode's simple case folding, unit by unit: the generator's text has no exceptions to it.
+std::u16string Folded(std::u16string s) {
+    for (char16_t& c : s)
+        c = static_cast<char16_t>(u_foldCase(c, U_FOLD_CASE_DEFAULT));
+    return s;
+}
+
 // Text for the narrow forms: every non-ASCII unit becomes é, 0xE9 in Windows-1252.
 std::u16string Latin(std::u16string s) {
     std::replace_if(
@@ -123,6 +132,31 @@ TEST(TextServicesCompare, AgreesWithWindowsOnCaseAccentsAndNulls) {
         {u"Z", u"a", 1, 1},
         {u"x", u"x ", -1, -1},
         {nullptr, u"", -1, -1},
+        // Case-blind ignores case and nothing else: width, compatibility forms, no-break
+        // spaces keep keys apart.
+        {u"\uFF21", u"A", 1, 1},
+        {u"\uFF21", u"\uFF41", 1, 0},
+        {u"\u00B9", u"1", 1, 1},
+        {u"\u00A0", u" ", 1, 1},
+        {u"\u2160", u"\u2170", 1, 0},
+        {u"\u24B6", u"A", 1, 1},
+        // Only canonically equivalent texts are equal.
+        {u"\u0661", u"1", 1, 1},
+        {u"\u200B", u"", 1, 1},
+        {u"a", u"a\u200B", -1, -1},
+        {u"a", u"a\x01", -1, -1},
+        {u"e\u0301", u"\u00E9", 0, 0},
+        {u"\u212A", u"K", 0, 0},
+        // Case forms that fold, and variants that do not.
+        {u"\u212A", u"k", 1, 0},
+        {u"\u03C2", u"\u03C3", 1, 0},
+        {u"\u01C5", u"\u01C6", 1, 0},
+        {u"\u1E9E", u"\u00DF", 1, 0},
+        {u"\u2126", u"\u03C9", 1, 0},
+        {u"\u017F", u"s", 1, 1},
+        {u"\u0131", u"i", 1, 1},
+        {u"\u0130", u"i", 1, 1},
+        {u"\u03D1", u"\u03B8", 1, 1},
     };
     for (Row const& r : rows) {
         EXPECT_EQ(lstrcmpW(r.a, r.b), r.cmp) << testing::PrintToString(r.a);
@@ -133,6 +167,19 @@ TEST(TextServicesCompare, AgreesWithWindowsOnCaseAccentsAndNulls) {
     EXPECT_EQ(lstrcmpA(nullptr, ""), -1);
     EXPECT_EQ(lstrcmpA("e", "\xE9"), -1); // Windows-1252 bytes read as their characters
     EXPECT_EQ(lstrcmpiA("\xC4", "\xE4"), 0);
+    EXPECT_EQ(lstrcmpiA("\xB9", "1"), 1);
+    EXPECT_EQ(lstrcmpiA("\xA0", " "), 1);
+}
+
+// Where the order differs from Windows, equality still must not: keys Windows keeps apart
+// stay apart in a case-blind map.
+TEST(TextServicesCompare, CaseBlindKeepsApartWhatWindowsKeepsApart) {
+    std::pair<char16_t const*, char16_t const*> const apart[] = {
+        {u"\u2160", u"I"}, {u"\u00B5", u"\u03BC"}, {u"\u0131", u"I"}, {u"\u00AA", u"a"}};
+    for (auto [a, b] : apart) {
+        EXPECT_NE(lstrcmpiW(a, b), 0) << testing::PrintToString(a);
+        EXPECT_EQ(lstrcmpiW(a, b), -lstrcmpiW(b, a)) << testing::PrintToString(a);
+    }
 }
 
 TEST(TextServicesCompare, StrCmpNIWComparesOnlyThePrefixes) {
@@ -142,7 +189,7 @@ TEST(TextServicesCompare, StrCmpNIWComparesOnlyThePrefixes) {
     EXPECT_EQ(StrCmpNIW(u"\u00C4b", u"\u00E4Bx", 2), 0);
 }
 
-// The rank tables must give exactly ICU's answer, so that a mix of table and ICU answers
+// The rank tables must give exactly ICU's answer (case-blind: on case-folded text), so that a mix of table and ICU answers
 // within one std::map stays a strict weak order. Several locales, because tailorings change
 // what the tables may assume: Danish sorts upper case first, Czech has the contraction "ch",
 // numeric collation orders digit runs by value.
@@ -150,20 +197,22 @@ TEST(TextServicesCompare, AsciiFastPathGivesIcusAnswer) {
     LocaleGuard guard;
     for (char const* locale : {"", "da", "cs", "en@colNumeric=yes"}) {
         ASSERT_TRUE(SetCollationLocale(locale)) << locale;
-        IcuCollator const tertiary(locale, UCOL_TERTIARY);
-        IcuCollator const secondary(locale, UCOL_SECONDARY);
+        IcuCollator const identical(locale, UCOL_IDENTICAL);
+        auto caseBlind = [&](std::u16string const& a, std::u16string const& b) {
+            return identical(Folded(a), Folded(b));
+        };
         TextGenerator gen{std::mt19937(1234)};
         for (int i = 0; i < 20000; ++i) {
             std::u16string const a = gen.Next();
             std::u16string const b = gen.Partner(a);
-            ASSERT_EQ(lstrcmpW(a.c_str(), b.c_str()), tertiary(a, b))
+            ASSERT_EQ(lstrcmpW(a.c_str(), b.c_str()), identical(a, b))
                 << locale << " " << testing::PrintToString(a) << " " << testing::PrintToString(b);
-            ASSERT_EQ(lstrcmpiW(a.c_str(), b.c_str()), secondary(a, b))
+            ASSERT_EQ(lstrcmpiW(a.c_str(), b.c_str()), caseBlind(a, b))
                 << locale << " " << testing::PrintToString(a) << " " << testing::PrintToString(b);
             std::string const na = Narrow(a);
             std::string const nb = Narrow(b);
-            ASSERT_EQ(lstrcmpA(na.c_str(), nb.c_str()), tertiary(Latin(a), Latin(b))) << na;
-            ASSERT_EQ(lstrcmpiA(na.c_str(), nb.c_str()), secondary(Latin(a), Latin(b))) << na;
+            ASSERT_EQ(lstrcmpA(na.c_str(), nb.c_str()), identical(Latin(a), Latin(b))) << na;
+            ASSERT_EQ(lstrcmpiA(na.c_str(), nb.c_str()), caseBlind(Latin(a), Latin(b))) << na;
         }
     }
 }
@@ -257,7 +306,8 @@ TEST(TextServicesClasses, WideAgreesWithWindows) {
         {u'\xAA', 0, 0, 1, 0},   {u'\xB2', 0, 1, 1, 0},   {u'\xDF', 1, 0, 1, 0},
         {u'\u0660', 0, 1, 1, 0}, {u'\u2074', 0, 0, 0, 0}, {u'\u1680', 0, 0, 0, 1},
         {u'\u200B', 0, 0, 0, 0}, {u'\u3000', 0, 0, 1, 1}, {u'\xD800', 0, 0, 0, 0},
-        {u'\u0301', 0, 0, 0, 0}, {u'\u2160', 1, 0, 1, 0},
+        {u'\u0301', 0, 0, 0, 0}, {u'\u2160', 1, 0, 1, 0},  {u'\xBC', 0, 0, 1, 0},
+        {u'\xBD', 0, 0, 1, 0},   {u'\xBE', 0, 0, 1, 0},
     };
     for (Row const& r : rows) {
         EXPECT_EQ(IsAlphaW(r.c), r.alpha) << std::hex << unsigned(r.c);
@@ -268,9 +318,22 @@ TEST(TextServicesClasses, WideAgreesWithWindows) {
     }
 }
 
-TEST(TextServicesClasses, WideCaseMappingIsSimpleUnicode) {
-    EXPECT_EQ(ToUpperW(u'\u00FF'), u'\u0178');
-    EXPECT_EQ(ToUpperW(u'\u00DF'), u'\u00DF'); // no one-unit upper case
-    EXPECT_EQ(ToLowerW(u'\u03A3'), u'\u03C3');
-    EXPECT_EQ(ToUpperW(u'\xD800'), u'\xD800');
+// Unicode's simple mapping where it leads to a partner that maps back, as the runtime maps in
+// a real locale (unit_tables_probe.cpp, every BMP unit).
+TEST(TextServicesClasses, WideCaseMappingKeepsOnlyPairsThatMapBack) {
+    struct Row {
+        char16_t c, upper, lower;
+    } const rows[] = {
+        {u'\u00FF', u'\u0178', u'\u00FF'}, {u'\u03A3', u'\u03A3', u'\u03C3'},
+        {u'\u00DF', u'\u00DF', u'\u00DF'}, {u'\xD800', u'\xD800', u'\xD800'},
+        {u'\u0131', u'\u0131', u'\u0131'}, {u'\u0130', u'\u0130', u'\u0130'},
+        {u'\u017F', u'\u017F', u'\u017F'}, {u'\u00B5', u'\u00B5', u'\u00B5'},
+        {u'\u212A', u'\u212A', u'\u212A'}, {u'\u1E9E', u'\u1E9E', u'\u1E9E'},
+        {u'\u01C5', u'\u01C5', u'\u01C5'}, {u'\u01C4', u'\u01C4', u'\u01C6'},
+        {u'\u03C2', u'\u03C2', u'\u03C2'},
+    };
+    for (Row const& r : rows) {
+        EXPECT_EQ(ToUpperW(r.c), r.upper) << std::hex << unsigned(r.c);
+        EXPECT_EQ(ToLowerW(r.c), r.lower) << std::hex << unsigned(r.c);
+    }
 }

@@ -36,6 +36,11 @@ TEST(WideFormat, StringsAndCharactersOfBothWidths) {
               "nar|row|wi|de|x|y");
     EXPECT_EQ(W(u"%%|%c|%5c", 0x263a, u'z'), "%|\u263a|    z");
     EXPECT_EQ(N("%s|%S|%ls|%C|%lc|%-3c|", "n", u"w", u"x", u'y', u'z', 'q'), "n|w|x|y|z|q  |");
+    // The character 0 is one unit of output, in every form and width.
+    using namespace std::string_literals;
+    EXPECT_EQ(W(u"[%c|%hc|%lc|%C|%wc]", 0, 0, 0, 0, 0), "[\0|\0|\0|\0|\0]"s);
+    EXPECT_EQ(W(u"%3c|%-3c|", 0, 0), "  \0|\0  |"s);
+    EXPECT_EQ(N("[%c|%hc|%lc|%C]", 0, 0, 0, 0), "[\0|\0|\0|\0]"s);
 }
 
 TEST(WideFormat, IntegersWithFlagsPrecisionAndSizes) {

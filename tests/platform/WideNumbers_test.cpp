@@ -9,26 +9,92 @@ namespace {
 
 using namespace qv::platform;
 
-TEST(WideNumbers, AtoiSaturatesAndStopsAtTheFirstNonDigit) {
-    EXPECT_EQ(_wtoi(u" \t+42x"), 42);
-    EXPECT_EQ(_wtoi(u"-3000000000"), -2147483647 - 1);
-    EXPECT_EQ(_wtoi(u"0x10"), 0);
-    EXPECT_EQ(_wtoi(u"\u00a012"), 12); // iswspace takes the no-break space
+TEST(WideNumbers, AtoiSaturatesAndReadsTheDigitsOfSeveralScripts) {
+    struct Row {
+        char const* name;
+        char16_t const* text;
+        int value;
+    } const rows[] = {
+        {"sign and a stop", u" \t+42x", 42},   {"saturates", u"-3000000000", -2147483647 - 1},
+        {"no hexadecimal", u"0x10", 0},        {"no-break space", u"\u00a012", 12},
+        {"next line", u"\u008512", 12},        {"full-width", u"\uff11\uff12", 12},
+        {"Arabic-Indic", u"\u0661\u0662", 12}, {"Devanagari, signed", u"-\u0967\u0968", -12},
+        {"Mongolian", u"\u1811\u1812", 12},    {"mixed scripts", u"1\u0662\uff13", 123},
+        {"no superscript", u"\u00b9", 0},      {"no NKo digit", u"1\u07c12", 1},
+    };
+    for (Row const& r : rows)
+        EXPECT_EQ(_wtoi(r.text), r.value) << r.name;
     EXPECT_EQ(qv::platform::atoi("  -17abc"), -17);
     EXPECT_EQ(qv::platform::atoi("99999999999999999999999"), 2147483647);
 }
 
 TEST(WideNumbers, AtofReadsTheLongestNumberPrefix) {
-    EXPECT_EQ(_wtof(u" 1.5e3x"), 1500);
-    EXPECT_EQ(_wtof(u"0x1p4"), 16);
-    EXPECT_EQ(_wtof(u"1e"), 1);
-    EXPECT_EQ(_wtof(u"-0x"), 0);
+    struct Row {
+        char const* name;
+        char16_t const* text;
+        double value;
+    } const rows[] = {
+        {"exponent and a stop", u" 1.5e3x", 1500},
+        {"hexadecimal", u"0x1p4", 16},
+        {"dangling exponent", u"1e", 1},
+        {"bare prefix", u"-0x", 0},
+        {"d exponent", u"1d3", 1000},
+        {"D exponent, negative", u"1D-2", 0.01},
+        {"dangling d", u"1d", 1},
+        {"d exponent and a stop", u"2.5d+1x", 25},
+        {"d is a hexadecimal digit", u"0x1d3", 467},
+        {"no full-width digits", u"\uff11\uff12", 0},
+    };
+    for (Row const& r : rows)
+        EXPECT_EQ(_wtof(r.text), r.value) << r.name;
     EXPECT_TRUE(std::isinf(_wtof(u"inf")));
     EXPECT_TRUE(std::isinf(_wtof(u"1e999")));
     EXPECT_TRUE(std::isnan(_wtof(u"nan(123)")));
     EXPECT_EQ(qv::platform::atof(" -2.5"), -2.5);
-    // A long number still parses whole.
-    EXPECT_EQ(_wtof((u"1" + std::u16string(300, u'0') + u"e-299").c_str()), 10);
+    EXPECT_EQ(qv::platform::atof("-1d2x"), -100);
+    std::u16string const longMantissa = u"1" + std::u16string(300, u'0') + u"e-299";
+    EXPECT_EQ(_wtof(longMantissa.c_str()), 10);
+}
+
+TEST(WideNumbers, WcstoulIs32BitsWide) {
+    struct Row {
+        char16_t const* text;
+        int base;
+        unsigned long value;
+        int end;
+        int error;
+    } const rows[] = {
+        {u" 42x", 10, 42, 3, 0},
+        {u" 42x", 36, 5289, 4, 0},
+        {u"-1", 10, 4294967295, 2, 0},
+        {u"4294967295", 10, 4294967295, 10, 0},
+        {u"4294967296", 16, 4294967295, 10, ERANGE},
+        {u"-4294967296", 10, 1, 11, ERANGE},
+        {u"99999999999999999999", 0, 4294967295, 20, ERANGE},
+        {u"0x1F", 0, 31, 4, 0},
+        {u"0x1F", 10, 0, 1, 0},
+        {u"0x1F", 36, 42819, 4, 0},
+        {u"0x", 16, 0, 0, 0},
+        {u"0xg", 0, 0, 0, 0},
+        {u"017", 0, 15, 3, 0},
+        {u"08", 0, 0, 1, 0},
+        {u"zz", 16, 0, 0, 0},
+        {u"  -  1", 10, 0, 0, 0},
+        {u"\u00a07", 10, 7, 2, 0},
+        {u"\uff11\uff12", 16, 18, 2, 0},
+        {u"1\u0661", 10, 11, 2, 0},
+        {u"5", 1, 0, 0, EINVAL},
+        {u"5", 37, 0, 0, EINVAL},
+    };
+    for (Row const& r : rows) {
+        std::string const name = testing::PrintToString(r.text) + " base " + std::to_string(r.base);
+        char16_t* end = nullptr;
+        errno = 0;
+        EXPECT_EQ(wcstoul(r.text, &end, r.base), r.value) << name;
+        EXPECT_EQ(end - r.text, r.end) << name;
+        EXPECT_EQ(errno, r.error) << name;
+    }
+    EXPECT_EQ(wcstoul(u"12", nullptr, 10), 12u);
 }
 
 TEST(WideNumbers, I64ToTextShowsTwosComplementOutsideRadix10) {
@@ -68,9 +134,11 @@ Scanned ScanInt(char16_t const* text, char16_t const* format) {
 
 TEST(WideNumbers, ScanOfFloatsFailsOnTextThatOnlyBeginsANumber) {
     EXPECT_EQ(ScanDouble(u" 1.5 ").count, 1);
-    for (char16_t const* bad : {u"1e", u"1e+", u"1.5e", u".", u"infin"})
+    for (char16_t const* bad : {u"1e", u"1e+", u"1.5e", u".", u"infin", u"1d"})
         EXPECT_LT(ScanDouble(bad).count, 1);
     EXPECT_EQ(ScanDouble(u"0x1p3").d, 8);
+    EXPECT_EQ(ScanDouble(u"1D3").d, 1000);
+    EXPECT_EQ(ScanInt(u"\uff11\uff12", u" %d %c").count, 0) << "scanf reads ASCII digits only";
     EXPECT_TRUE(std::isinf(ScanDouble(u"+infinity").d));
     EXPECT_EQ(ScanDouble(u"nan(abc)").count, 2);
     EXPECT_EQ(ScanDouble(u"").count, -1);

@@ -42,7 +42,8 @@ public:
     using Base::Set;
 
     bool Set(K const& key, V const& value) { return Base::Set(MItem(key, value)); }
-    MItem* Find(K const& key) const { return Base::Find(MItem(key, V())); }
+    MItem* Find(K const& key) { return Base::Find(MItem(key, V())); }
+    MItem const* Find(K const& key) const { return Base::Find(MItem(key, V())); }
     bool Contains(K const& key) const { return Find(key) != nullptr; }
     bool Remove(K const& key) { return Base::Remove(MItem(key, V())); }
 };

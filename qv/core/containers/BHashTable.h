@@ -91,7 +91,9 @@ public:
         ++m_item_count;
         return true;
     }
-    Item* Find(Item const& probe) const { return FindIn(BucketOf(probe), probe); }
+    // The stored item with the probe's key, or null; a const table hands out const items.
+    Item* Find(Item const& probe) { return FindIn(BucketOf(probe), probe); }
+    Item const* Find(Item const& probe) const { return FindIn(BucketOf(probe), probe); }
     bool Contains(Item const& probe) const { return Find(probe) != nullptr; }
     bool Remove(Item const& probe) {
         BArray<Item>& bucket = BucketOf(probe);

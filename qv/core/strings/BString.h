@@ -34,9 +34,17 @@ public:
     static char const* const static_empty_str;
 };
 
-// Orders BStrings case-blind, as BString::ICmp does.
+class WString;
+
+// Orders strings of either width case-blind, as their ICmp does: the comparator of the
+// case-blind maps of narrow names and of translation keys alike.
 struct StrILess {
     bool operator()(BString const& a, BString const& b) const { return a.ICmp(b) < 0; }
+    // A template only so that WString need not be complete here.
+    template <std::same_as<WString> S>
+    bool operator()(S const& a, S const& b) const {
+        return a.ICmp(b) < 0;
+    }
 };
 
 extern template class StringBase<BString, char>;

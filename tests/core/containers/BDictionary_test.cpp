@@ -4,6 +4,8 @@
 #include <qv/core/containers/BMap.h>
 #include <qv/core/strings/BString.h>
 #include <qv/core/strings/WString.h>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -43,6 +45,21 @@ TEST(BDictionary, KeysSharingTheHashedPrefixStayApart) {
     EXPECT_TRUE(w.Remove(u"prefix__one"));
     EXPECT_FALSE(w.Remove(u"prefix__one"));
     EXPECT_EQ(w.Find(u"prefix__two")->m_value, 2);
+}
+
+template <class Table, class Key>
+using FindResult = decltype(std::declval<Table>().Find(std::declval<Key>()));
+
+TEST(BDictionary, OnlyAWritableTableHandsOutWritableItems) {
+    using D = BDictionary<WString, int>;
+    static_assert(std::is_same_v<FindResult<D const&, WString const&>, D::MItem const*>);
+    static_assert(std::is_same_v<FindResult<D const&, D::MItem const&>, D::MItem const*>);
+    static_assert(std::is_same_v<FindResult<D&, WString const&>, D::MItem*>);
+    D table;
+    table.Set(u"k", 1);
+    table.Find(u"k")->m_value = 2;
+    D const& view = table;
+    EXPECT_EQ(view.Find(u"k")->m_value, 2);
 }
 
 // Seven buckets; a one-letter key hashes to its code: a 97 % 7 = 6, b 0, c 1, h 6, i 0.

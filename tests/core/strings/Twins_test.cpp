@@ -106,4 +106,9 @@ TEST(WString, CaseBlindComparatorsOrderMapsAndQSort) {
     EXPECT_EQ(v[2], WString(u"C"));
     std::map<BString, int, StrILess> narrowKeys{{BString("Key"), 1}, {BString("KEY"), 2}};
     EXPECT_EQ(narrowKeys.size(), 1u);
+    // The translation maps key wide text with the same comparator.
+    std::map<WString, WString, StrILess> wideKeys{{WString(u"$Key"), WString(u"a")},
+                                                  {WString(u"$KEY"), WString(u"b")}};
+    EXPECT_EQ(wideKeys.size(), 1u);
+    EXPECT_EQ(wideKeys.begin()->first, WString(u"$Key")) << "the first form added stays";
 }
