@@ -147,6 +147,61 @@ void StoreAndLoadTree(std::filesystem::path const& samples) {
                 root ? root->ChildNum() : 0);
 }
 
+// A sample of every other file the library writes, for qvtool to show: the tree again as a
+// stream archive, a measuring head's sensor file with two camera files, a binary profile, a
+// language file, the registry store and a profiler log.
+void WriteSamples(std::filesystem::path const& samples) {
+    auto wide = [&samples](char const* name) { return WString::FromUtf8((samples / name).string()); };
+    {
+        // A self-contained branch of library classes, which any reader can follow.
+        SP<BNode> head = new BNode;
+        head->SetText(u"Head");
+        for (char16_t const* camera : {u"Camera 0", u"Camera 1"})
+            head->QueryChild(camera);
+        BOStreamArchive stream(wide("head.qvs"), WString(u"QvDemoHead"));
+        stream.Insert(head, "head");
+        stream.Insert(nullptr, "none");
+    }
+    BProfiler::SetLogfilePath(WString::FromUtf8((samples / "profiler").string() + "/"));
+    BProfiler::Start(u"writing samples");
+
+    BProfile::WriteString(wide("head/sensor.ini"), u"Quorvel Imaging Device 0", u"File", u"cam0.ini");
+    BProfile::WriteString(wide("head/sensor.ini"), u"Quorvel Imaging Device 1", u"File", u"cam1.ini");
+    for (char const* camera : {"head/cam0.ini", "head/cam1.ini"}) {
+        BCamProfile profile(wide(camera), u"Current");
+        profile.WriteVendor(u"Quorvel");
+        profile.WriteShutter(camera[8] == '0' ? 20 : 24);
+        profile.WriteGamma(1.5f);
+    }
+    BSensorProfile sensor(wide("head/sensor.ini"));
+    sensor.SetCorpusFixed();
+    sensor.SetStereo();
+    BProfiler::Step(u"measuring head");
+
+    {
+        BBinProfile settings(wide("settings.bin"), kProfileNew);
+        settings.SetSection(u"Scanner");
+        settings.WriteInt(u"Exposure", 12);
+        settings.WriteDouble(u"Gamma", 1.8);
+        settings.WriteBoolean(u"Fringes", true);
+        settings.WriteString(u"Operator", u"Ana Süd");
+    }
+    BLanguageMap texts;
+    texts.Add(u"$IDS_Scan", u"Scan", u"Messung", true, true);
+    texts.Add(u"$IDS_Camera", u"Camera", u"Kamera", true, true);
+    texts.Add(u"$ERR_FILE_ERROR", u"File error", u"Dateifehler", true, true);
+    std::filesystem::create_directories(samples / "deutsch");
+    texts.ExportMapFile(wide("deutsch/texts.txt"));
+    BProfiler::Step(u"profiles and texts");
+
+    BConfigRegistry::SetStoreDirectory(wide("registry"));
+    BConfigRegistry(WString(u"HKCU\\Software\\QvDemo")).WriteDouble(u"LastScanMm", 103.0);
+    BConfigRegistry::SetStoreDirectory(WString());
+    BProfiler::Stop(u"writing samples");
+    BProfiler::SetLogfilePath(WString());
+    std::printf("\nsample files of every format written to %s\n", samples.string().c_str());
+}
+
 } // namespace
 
 // With a directory argument the sample files stay there for qvtool to look into; without one
@@ -213,6 +268,7 @@ int main(int argc, char** argv) {
     std::printf("%-28s %s\n", "token 2 of \"a;b;c\":", BString("a;b;c").Token(2, ';').CStr());
 
     StoreAndLoadTree(samples);
+    WriteSamples(samples);
     if (!keep)
         std::filesystem::remove_all(samples);
     return 0;

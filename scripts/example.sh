@@ -9,8 +9,7 @@ cmake --build --preset release --target qvdemo qvtool
 samples=build/samples
 rm -rf "$samples"
 build/release/examples/qvdemo "$samples" "$@"
-for file in "$samples"/*; do
-  [ -f "$file" ] || continue
+find "$samples" -type f ! -name "*.lock" | sort | while read -r file; do
   echo
   echo "== qvtool info $file"
   build/release/tools/qvtool/qvtool info "$file"

@@ -13,6 +13,8 @@
 #include <cstdio>
 #include <qv/core/files/BFile.h>
 #include <qv/language/BLanguageMap.h>
+
+#include <algorithm>
 #include <qv/platform/FileSystem.h>
 #include <qv/platform/TextServices.h>
 #include <qv/platform/WideStream.h>
@@ -238,6 +240,22 @@ void BLanguageMap::SetReportMissingTranslations(bool on) {
 
 bool BLanguageMap::GetReportMissingTranslations() const {
     return m_state->reportMissingTranslations;
+}
+
+std::vector<BLanguageMap::Entry> BLanguageMap::Entries() const {
+    std::vector<Entry> entries;
+    Table const& texts = StdCurrentMap();
+    Table const& defaults = StdDefaultMap();
+    for (auto const& [key, defaultText] : defaults) {
+        auto text = texts.find(key);
+        entries.push_back({key, defaultText, text == texts.end() ? WString() : text->second});
+    }
+    for (auto const& [key, text] : texts)
+        if (!defaults.count(key))
+            entries.push_back({key, WString(), text});
+    std::sort(entries.begin(), entries.end(),
+              [](Entry const& a, Entry const& b) { return a.key.ICmp(b.key) < 0; });
+    return entries;
 }
 
 BLanguageMap::Table const& BLanguageMap::StdCurrentMap() const {

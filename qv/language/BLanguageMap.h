@@ -7,6 +7,8 @@
 /// the decisions: the reverse index that keeps filling linear, the file grammar, the merge.
 #pragma once
 
+#include <vector>
+
 #include <map>
 #include <memory>
 #include <qv/core/BSmartObj.h>
@@ -73,6 +75,16 @@ public:
     /// Makes Add answer kIdWithoutText for an entry without default text or text.
     void SetReportMissingTranslations(bool on);
     bool GetReportMissingTranslations() const;
+
+    /// One key of the map with its default text and its text in the current language (empty
+    /// where the map has none).
+    struct Entry {
+        WString key;
+        WString defaultText;
+        WString text;
+    };
+    /// Every key of the map in key order: for tools that show a language file.
+    std::vector<Entry> Entries() const;
 
     /// @name Language files: UTF-16LE tables, one record per line: key, default text, text.
     /// Imports every file of directory matching pattern (Windows wildcards), with useDefault,

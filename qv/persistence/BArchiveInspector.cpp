@@ -75,6 +75,41 @@ bool HasClassPrefix(BString const& text) {
 
 } // namespace
 
+// A stream archive starts with the number 16, the format identifier, "BStreamArchive" and
+// version 9 as a 16-bit string and a number, then its name. True when the file starts so;
+// the header's damage is noted then.
+bool BArchiveInspector::InspectStreamHeader(std::FILE* file) {
+    static constexpr unsigned char kStart[24] = {0x10, 0,    0,    0,    0,    0,    0,    0,
+                                                 0x7A, 0x9F, 0xB8, 0x18, 0xD3, 0x86, 0xF8, 0x44,
+                                                 0xA3, 0x85, 0x4F, 0xE4, 0x83, 0x31, 0xC3, 0x62};
+    unsigned char start[sizeof kStart];
+    Reader in(file, m_fileSize);
+    if (!in.Bytes(start, sizeof start) || std::memcmp(start, kStart, sizeof start) != 0)
+        return false;
+    auto wide = [&in](WString& text) {
+        std::uint32_t count = 0;
+        if (!in.Number(count) || count > in.Left() / 2)
+            return false;
+        std::u16string units(count, u'\0');
+        for (char16_t& unit : units)
+            if (!in.Number(unit))
+                return false;
+        text = WString(std::u16string_view(units));
+        return true;
+    };
+    WString format;
+    if (!wide(format) || format != WString(u"BStreamArchive") || !in.Number(m_formatVersion) ||
+        m_formatVersion != 9 || !wide(m_streamName)) {
+        m_formatVersion = 0;
+        m_damage = WString(u"the stream archive header is damaged");
+        m_damageOffset = 0;
+        return true;
+    }
+    m_isArchive = m_isStream = true;
+    m_name = m_streamName.AsString();
+    return true;
+}
+
 BArchiveInspector::BArchiveInspector(char16_t const* path, Progress const& progress) {
     Inspect(path, progress);
     if (progress)
@@ -93,6 +128,9 @@ void BArchiveInspector::Inspect(char16_t const* path, Progress const& progress) 
         return;
     }
     m_fileSize = BFile::Size(path);
+    if (InspectStreamHeader(file))
+        return;
+    std::rewind(file);
     Reader in(file, m_fileSize);
     BString archiveClass;
     if (in.String(m_name) || in.Number(m_applicationVersion) == false || in.String(archiveClass) ||

@@ -1,5 +1,7 @@
 /// \file
-/// BArchiveInspector: a read-only look at an object archive file, for tools and diagnostics.
+/// BArchiveInspector: a read-only look at an archive file, for tools and diagnostics. For an
+/// object archive it walks the header and the record prefixes the way the archive's own opening
+/// scan does; for a stream archive, whose objects cannot be skipped, it reads the header only.
 /// It walks the header and the record prefixes the way the archive's own opening scan does,
 /// but loads no object and does not stop at the first question: it lists every record it can
 /// reach and names the first damage it meets, with its file position and the reason.
@@ -9,6 +11,7 @@
 #include <qv/core/Export.h>
 #include <qv/core/strings/BString.h>
 #include <qv/core/strings/WString.h>
+#include <cstdio>
 #include <functional>
 #include <vector>
 
@@ -32,13 +35,17 @@ public:
     /// where given, hears of the walk about every megabyte.
     explicit BArchiveInspector(char16_t const* path, Progress const& progress = {});
 
-    /// True when the file begins with an object archive header of a known format version.
+    /// True when the file begins with an object or stream archive header of a known format.
     bool IsArchive() const { return m_isArchive; }
+    /// True for a stream archive (records are then not listed).
+    bool IsStream() const { return m_isStream; }
     /// True when the header and every record are whole; then Damage() is empty.
     bool IsSound() const { return m_isArchive && m_damage.IsEmpty(); }
 
-    /// The archive name of the header ("class " added as the reader adds it).
+    /// The archive name of the header ("class " added as the reader adds it); a stream
+    /// archive's name in the ANSI code page (StreamName() has it whole).
     BString const& Name() const { return m_name; }
+    WString const& StreamName() const { return m_streamName; }
     int ApplicationVersion() const { return m_applicationVersion; }
     /// 2 to 8; 0 when the header could not be read.
     int FormatVersion() const { return m_formatVersion; }
@@ -54,8 +61,11 @@ public:
 
 private:
     void Inspect(char16_t const* path, Progress const& progress);
+    bool InspectStreamHeader(std::FILE* file);
 
     BString m_name;
+    WString m_streamName;
+    bool m_isStream = false;
     int m_applicationVersion = 0;
     int m_formatVersion = 0;
     bool m_isArchive = false;

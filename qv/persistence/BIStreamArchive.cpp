@@ -25,6 +25,7 @@ struct BIStreamArchive::State {
     std::size_t position = 0; // the next byte of the buffer
     std::size_t end = 0;      // behind the last byte read ahead
     int depth = 0;            // objects being read, one inside the other
+    bool ended = false;       // the last TakeOut found no object flag: the end of the file
 
     bool Good() const { return file && !std::ferror(file); }
 
@@ -115,8 +116,11 @@ void BIStreamArchive::Insert(BSmartObj*, char const*) {
 }
 
 SP<BSmartObj> BIStreamArchive::TakeOut(char const*) {
-    bool ended = false;
-    return Next(ended);
+    return Next(m_state->ended);
+}
+
+bool BIStreamArchive::AtEnd() const {
+    return m_state->ended;
 }
 
 SP<BSmartObj> BIStreamArchive::Next(bool& ended) {

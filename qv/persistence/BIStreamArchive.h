@@ -52,6 +52,10 @@ public:
 
     /// The path given to the constructor.
     WString Path() const;
+    /// True when the last TakeOut found no object at all, only the end of the file: a null
+    /// that TakeOut gives is otherwise a stored null. Beyond the Windows class, for readers
+    /// that walk a stream to its end.
+    bool AtEnd() const;
 
 private:
     friend class BArchive; // reads the objects of references in place

@@ -1,5 +1,6 @@
 #include "Commands.h"
 
+#include "Formats.h"
 #include "Language.h"
 #include "ObjectArchive.h"
 
@@ -12,6 +13,12 @@ namespace {
 KindHandler const kObjectArchive = {&object_archive::Info, &object_archive::Dump,
                                     &object_archive::Check};
 KindHandler const kLanguageFile = {&language::Info, &language::Dump, &language::Check};
+KindHandler const kStreamArchive = {&stream_archive::Info, &stream_archive::Dump,
+                                    &stream_archive::Check};
+KindHandler const kProfile = {&profile::Info, &profile::Dump, &profile::Check};
+KindHandler const kRegistryFile = {&registry_file::Info, &registry_file::Dump,
+                                   &registry_file::Check};
+KindHandler const kProfilerLog = {&profiler_log::Info, &profiler_log::Dump, &profiler_log::Check};
 
 // The kind of a file that must exist; a missing or unreadable one is a usage error.
 FileKind KindOf(std::string const& path) {
@@ -38,11 +45,17 @@ json Titled(std::string const& path, FileKind kind, json body) {
 
 KindHandler const* HandlerOf(FileKind kind) {
     switch (kind) {
-    case FileKind::ObjectArchive:
-        return &kObjectArchive;
-    default:
-        return nullptr;
+    case FileKind::ObjectArchive: return &kObjectArchive;
+    case FileKind::LanguageFile: return &kLanguageFile;
+    case FileKind::StreamArchive: return &kStreamArchive;
+    case FileKind::BinaryProfileAnsi:
+    case FileKind::BinaryProfileUnicode:
+    case FileKind::IniProfile: return &kProfile;
+    case FileKind::RegistryFile: return &kRegistryFile;
+    case FileKind::ProfilerLog: return &kProfilerLog;
+    case FileKind::Unknown: break;
     }
+    return nullptr;
 }
 
 int Info(std::string const& path, bool asJson) {

@@ -96,6 +96,10 @@ FileKind Recognise(std::string const& path) {
     return TextKind(HeadText(bytes));
 }
 
+std::string HeadTextOf(std::string const& path) {
+    return HeadText(Head(path));
+}
+
 char const* KindName(FileKind kind) {
     switch (kind) {
     case FileKind::ObjectArchive:

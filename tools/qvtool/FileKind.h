@@ -21,6 +21,9 @@ enum class FileKind {
 /// The kind of the file at \p path; Unknown also for a file that cannot be read.
 FileKind Recognise(std::string const& path);
 
+/// The first few kilobytes of a text file as UTF-8, whatever its encoding.
+std::string HeadTextOf(std::string const& path);
+
 /// A short English name ("object archive").
 char const* KindName(FileKind kind);
 

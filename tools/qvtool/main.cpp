@@ -3,6 +3,7 @@
 // everything else goes through the library's public interface.
 #include "Commands.h"
 #include "Digest.h"
+#include "Formats.h"
 #include "Language.h"
 
 #include <CLI/CLI.hpp>
@@ -19,6 +20,7 @@ struct Arguments {
     bool asJson = false;
     std::vector<std::string> files;
     std::string target, reference, translation, pattern = "*.txt";
+    std::string section, key, value;
     bool replace = false;
     int status = qvtool::kExitSound;
 };
@@ -62,6 +64,32 @@ void AddLanguageCommands(CLI::App& app, Arguments& args) {
     });
 }
 
+void AddProfileCommands(CLI::App& app, Arguments& args) {
+    CLI::App* profile = app.add_subcommand(
+        "profile", "reads and writes binary and ini profiles (the class is picked by the "
+                   "file's first bytes)");
+    profile->require_subcommand(1);
+    CLI::App* get = profile->add_subcommand(
+        "get", "the value of a key; with a section only, its keys; with neither, the sections");
+    CLI::App* list = profile->add_subcommand("list", "the sections, or the keys of a section");
+    for (CLI::App* command : {get, list}) {
+        command->add_option("FILE", args.file, "the profile")->required();
+        command->add_option("SECTION", args.section, "a section");
+    }
+    get->add_option("KEY", args.key, "a key of the section");
+    get->callback([&args] { args.status = qvtool::profile::Get(args.file, args.section, args.key); });
+    list->callback([&args] { args.status = qvtool::profile::List(args.file, args.section); });
+    CLI::App* set = profile->add_subcommand(
+        "set", "writes a value; in a binary profile a number or flag keeps its type");
+    set->add_option("FILE", args.file, "the profile")->required();
+    set->add_option("SECTION", args.section, "the section")->required();
+    set->add_option("KEY", args.key, "the key")->required();
+    set->add_option("VALUE", args.value, "the new value")->required();
+    set->callback([&args] {
+        args.status = qvtool::profile::Set(args.file, args.section, args.key, args.value);
+    });
+}
+
 void AddServiceCommands(CLI::App& app, Arguments& args) {
     CLI::App* sha1 = app.add_subcommand("sha1", "prints the SHA-1 digest of each file");
     sha1->add_option("FILE", args.files, "files to digest")->required();
@@ -87,6 +115,7 @@ int main(int argc, char** argv) {
                    "record and why)",
                    args, &qvtool::Check);
     AddLanguageCommands(app, args);
+    AddProfileCommands(app, args);
     AddServiceCommands(app, args);
     try {
         app.parse(argc, argv);
