@@ -7,7 +7,6 @@
 /// the decisions: the reverse index that keeps filling linear, the file grammar, the merge.
 #pragma once
 
-#include <map>
 #include <memory>
 #include <qv/core/BSmartObj.h>
 #include <qv/core/Export.h>
@@ -112,15 +111,12 @@ public:
     static void RegisterInstance(SP<BLanguageMap> map);
 
 private:
-    using Table = std::map<WString, WString, WString::ILess>;
     struct State;
 
     BLanguageMap(BLanguageMap const&);
     BLanguageMap& operator=(BLanguageMap const&);
 
     bool Find(WString const& key, WString& text, bool current) const;
-    Table const& StdCurrentMap() const;
-    Table const& StdDefaultMap() const;
     int ImportMapFile(WString path, WString* report, bool replace, bool useDefault);
 
     static bool IsIdValid(WString key);
