@@ -113,8 +113,8 @@ public:
 private:
     struct State;
 
-    BLanguageMap(BLanguageMap const&);
-    BLanguageMap& operator=(BLanguageMap const&);
+    BLanguageMap(BLanguageMap const&) = delete;
+    BLanguageMap& operator=(BLanguageMap const&) = delete;
 
     bool Find(WString const& key, WString& text, bool current) const;
     int ImportMapFile(WString path, WString* report, bool replace, bool useDefault);
