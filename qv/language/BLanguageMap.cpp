@@ -1,20 +1,20 @@
 // Implementation details of BLanguageMap.
 //
-// Two std::maps ordered case-blind hold the entries, key to current text and key to default text,
-// always with the same keys. Beside them a reverse index lists, for each default text (again
-// case-blind), the keys without underscore that carry it: Add asks it whether a one-word key's
-// default text is taken already, which would otherwise be a walk over the whole map per entry
-// and make filling quadratic. TranslateBack answers the same question from the index, and walks
-// the map for every other prefix and for the current map.
+// One std::map ordered case-blind holds the entries: key to its current and its default text.
+// Beside it a reverse index lists, for each default text (again case-blind), the keys without
+// underscore that carry it: Add asks it whether a one-word key's default text is taken already,
+// which would otherwise be a walk over the whole map per entry and make filling quadratic.
+// TranslateBack answers the same question from the index, and walks the map for every other
+// prefix and for the current map.
 //
 // Language files are read one 16-bit unit at a time through the wide stream functions, by the
 // cell grammar: empty, plain up to a tab or line feed, or quoted with doubled quotes. The reader
 // stops at the end of the file and at a read error alike, so a damaged stream never loops.
-#include <cstdio>
-#include <qv/core/files/BFile.h>
 #include <qv/language/BLanguageMap.h>
-
-#include <algorithm>
+// Own header above, what it builds on below.
+#include <cstdio>
+#include <map>
+#include <qv/core/files/BFile.h>
 #include <qv/platform/FileSystem.h>
 #include <qv/platform/TextServices.h>
 #include <qv/platform/WideStream.h>
@@ -65,6 +65,19 @@ bool ForEachMatchingFile(WString const& directory, WString const& pattern, Visit
     return true;
 }
 
+// Holds a stream's lock for a whole read: each unit read then takes it again as a nested lock,
+// which costs no atomic operation.
+class HeldStream {
+public:
+    explicit HeldStream(std::FILE* stream) : m_stream(stream) { qv::platform::_lock_file(stream); }
+    ~HeldStream() { qv::platform::_unlock_file(m_stream); }
+    HeldStream(HeldStream const&) = delete;
+    HeldStream& operator=(HeldStream const&) = delete;
+
+private:
+    std::FILE* m_stream;
+};
+
 // Collects a file's lines and writes them in large pieces: the wide write converts and locks per
 // call, which would dominate an export or a merge written cell by cell.
 class LineWriter {
@@ -98,18 +111,20 @@ private:
 } // namespace
 
 struct BLanguageMap::State {
+    struct Texts {
+        WString text; // of the current language
+        WString defaultText;
+    };
+
     bool reportMissingTranslations = false;
     bool testMode = false;
-    Table currentMap;
-    Table defaultMap;
+    // Key to both its texts: one tree instead of a current and a default map with the same keys
+    // halves the searches of every Add and lookup.
+    std::map<WString, Texts, WString::ILess> entries;
     WString currentLanguage;
     // Default text to the keys without underscore that carry it, both case-blind.
     std::map<WString, std::set<WString, WString::ILess>, WString::ILess> oneWordKeysByDefault;
 
-    void IndexOneWordKey(WString const& key, WString const& defaultText) {
-        if (HasPrefix(key, u"$"))
-            oneWordKeysByDefault[defaultText].insert(key);
-    }
     void UnindexOneWordKey(WString const& key, WString const& defaultText) {
         if (!HasPrefix(key, u"$"))
             return;
@@ -136,46 +151,47 @@ int BLanguageMap::Add(WString key, WString defaultText, WString text, bool repla
     int result = 0;
     if (s.reportMissingTranslations && defaultText.IsEmpty())
         result = kIdWithoutText;
-    auto const present = s.currentMap.find(key);
-    if (present != s.currentMap.end() && !replace)
+    // One search: the place found serves the lookup and the insertion.
+    WString::ILess const less;
+    auto place = s.entries.lower_bound(key);
+    bool const present = place != s.entries.end() && !less(key, place->first);
+    if (present && !replace)
         return kIdNotUnique;
     if (text.IsEmpty() && useDefault) {
         text = defaultText;
         if (s.reportMissingTranslations)
             result = kIdWithoutText;
     }
+    bool const oneWord = HasPrefix(key, u"$");
     // With replace the key's own old entry is still indexed here and counts, as it does for a
     // walk over the map.
-    if (HasPrefix(key, u"$") && s.oneWordKeysByDefault.contains(defaultText))
+    if (oneWord && s.oneWordKeysByDefault.contains(defaultText))
         result = kIdNotBiunique;
-    if (present != s.currentMap.end()) {
-        auto const oldDefault = s.defaultMap.find(key);
-        s.UnindexOneWordKey(oldDefault->first, oldDefault->second);
-        s.defaultMap.erase(oldDefault);
-        s.currentMap.erase(present);
+    if (present) {
+        s.UnindexOneWordKey(place->first, place->second.defaultText);
+        place = s.entries.erase(place);
     }
-    s.currentMap.emplace(key, std::move(text));
-    s.IndexOneWordKey(key, defaultText);
-    s.defaultMap.emplace(std::move(key), std::move(defaultText));
+    if (oneWord)
+        s.oneWordKeysByDefault[defaultText].insert(key);
+    s.entries.emplace_hint(place, std::move(key),
+                           State::Texts{std::move(text), std::move(defaultText)});
     return result;
 }
 
 void BLanguageMap::Clear() {
-    m_state->currentMap.clear();
-    m_state->defaultMap.clear();
+    m_state->entries.clear();
     m_state->oneWordKeysByDefault.clear();
 }
 
 bool BLanguageMap::Includes(WString key) const {
-    return m_state->currentMap.contains(key);
+    return m_state->entries.contains(key);
 }
 
 bool BLanguageMap::Find(WString const& key, WString& text, bool current) const {
-    Table const& table = current ? m_state->currentMap : m_state->defaultMap;
-    auto const found = table.find(key);
-    if (found == table.end())
+    auto const found = m_state->entries.find(key);
+    if (found == m_state->entries.end())
         return false;
-    text = found->second;
+    text = current ? found->second.text : found->second.defaultText;
     return true;
 }
 
@@ -220,8 +236,9 @@ int BLanguageMap::TranslateBack(WString text, WString& keys, WString prefix,
                 note(key);
         return count;
     }
-    for (auto const& [key, value] : language == DEFAULT ? StdDefaultMap() : StdCurrentMap())
-        if (value.IEqual(text) && HasPrefix(key, prefix))
+    for (auto const& [key, texts] : m_state->entries)
+        if ((language == DEFAULT ? texts.defaultText : texts.text).IEqual(text) &&
+            HasPrefix(key, prefix))
             note(key);
     return count;
 }
@@ -244,26 +261,10 @@ bool BLanguageMap::GetReportMissingTranslations() const {
 
 std::vector<BLanguageMap::Entry> BLanguageMap::Entries() const {
     std::vector<Entry> entries;
-    Table const& texts = StdCurrentMap();
-    Table const& defaults = StdDefaultMap();
-    for (auto const& [key, defaultText] : defaults) {
-        auto text = texts.find(key);
-        entries.push_back({key, defaultText, text == texts.end() ? WString() : text->second});
-    }
-    for (auto const& [key, text] : texts)
-        if (!defaults.count(key))
-            entries.push_back({key, WString(), text});
-    std::sort(entries.begin(), entries.end(),
-              [](Entry const& a, Entry const& b) { return a.key.ICmp(b.key) < 0; });
+    entries.reserve(m_state->entries.size());
+    for (auto const& [key, texts] : m_state->entries)
+        entries.push_back({key, texts.defaultText, texts.text});
     return entries;
-}
-
-BLanguageMap::Table const& BLanguageMap::StdCurrentMap() const {
-    return m_state->currentMap;
-}
-
-BLanguageMap::Table const& BLanguageMap::StdDefaultMap() const {
-    return m_state->defaultMap;
 }
 
 bool BLanguageMap::IsIdValid(WString key) {
@@ -367,6 +368,7 @@ int BLanguageMap::ImportMapFile(WString path, WString* report, bool replace, boo
     BFile file;
     if (!file.OpenShared(path, u"r,ccs=UTF-16LE"))
         return 1;
+    HeldStream const held(file);
     int result = 0;
     long long lines = 0, entries = 0;
     BArray<WString> cells;
@@ -422,8 +424,8 @@ int BLanguageMap::ExportMapFile(WString path) const {
         return kCannotCreateFile;
     LineWriter out(file);
     // The second cell stays empty: the file carries the key and the current language's text.
-    for (auto const& [key, text] : StdCurrentMap())
-        out << key << u"\t\t" << text << u"\n";
+    for (auto const& [key, texts] : m_state->entries)
+        out << key << u"\t\t" << texts.text << u"\n";
     return 0;
 }
 
@@ -448,6 +450,7 @@ int BLanguageMap::MergeMapFile(WString const& referenceDirectory,
     BLanguageMap translation;
     translation.ImportMapFile(PathIn(translationDirectory, fileName), nullptr, false, true);
 
+    HeldStream const held(reference);
     LineWriter out(target);
     BArray<WString> cells;
     WString text;

@@ -7,10 +7,9 @@
 /// the decisions: the reverse index that keeps filling linear, the file grammar, the merge.
 #pragma once
 
-#include <vector>
-
 #include <map>
 #include <memory>
+#include <vector>
 #include <qv/core/BSmartObj.h>
 #include <qv/core/Export.h>
 #include <qv/core/containers/BArray.h>
@@ -124,15 +123,12 @@ public:
     static void RegisterInstance(SP<BLanguageMap> map);
 
 private:
-    using Table = std::map<WString, WString, WString::ILess>;
     struct State;
 
-    BLanguageMap(BLanguageMap const&);
-    BLanguageMap& operator=(BLanguageMap const&);
+    BLanguageMap(BLanguageMap const&) = delete;
+    BLanguageMap& operator=(BLanguageMap const&) = delete;
 
     bool Find(WString const& key, WString& text, bool current) const;
-    Table const& StdCurrentMap() const;
-    Table const& StdDefaultMap() const;
     int ImportMapFile(WString path, WString* report, bool replace, bool useDefault);
 
     static bool IsIdValid(WString key);

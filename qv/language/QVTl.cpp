@@ -1,5 +1,6 @@
-#include <qv/language/BLanguageMap.h>
 #include <qv/language/QVTl.h>
+// Own header above, what it builds on below.
+#include <qv/language/BLanguageMap.h>
 
 WString QVTl(WString const& text) {
     SP<BLanguageMap> const map = BLanguageMap::Instance();

@@ -4,12 +4,13 @@
 // below, sorted by id; rows loaded from files go into a hash map in front of it. Loaded texts
 // live in a deque that only grows, so a pointer handed out by LoadStringW stays valid even when
 // a later file replaces its row. A shared mutex lets readers on any thread meet a loader.
+#include <qv/platform/StringResources.h>
+// Own header above, what it builds on below.
 #include <algorithm>
 #include <deque>
 #include <iterator>
 #include <mutex>
 #include <qv/platform/FileStream.h>
-#include <qv/platform/StringResources.h>
 #include <qv/platform/TextServices.h>
 #include <qv/platform/WideStream.h>
 #include <shared_mutex>
