@@ -3,6 +3,7 @@
 #include "ArchiveFiles.h"
 #include "ArchiveTestSupport.h"
 
+#include <qv/measures/BBitArray.h>
 #include <qv/persistence/BQuorvelArchive.h>
 #include <qv/tree/BNode.h>
 #include <string>
@@ -51,6 +52,18 @@ void WriteNodes(std::string const& path) {
     out.Insert(root->Child(u"c/z"), "tree");
 }
 
+// Bit planes, the library's other storable class: one hung on a node, one inserted by name.
+void WriteMasks(std::string const& path) {
+    SP<BBitArray> mask = new BBitArray(9, 13, 5);
+    for (int i = 0; i < 5; ++i)
+        mask->SetBit(i * 2, i, i + 4);
+    SP<BNode> root = new BNode;
+    root->SetObj(mask);
+    BQuorvelArchive out(Wide(path).c_str(), BArchive::WRITE, "class Fuzz", 1);
+    out.Insert(root, "root");
+    out.Insert(new BBitArray(1, 64, 3), "plane");
+}
+
 void WriteEmpty(std::string const& path) {
     BQuorvelArchive out(Wide(path).c_str(), BArchive::WRITE, "class Fuzz", 1);
 }
@@ -73,6 +86,7 @@ int main(int argc, char** argv) {
     std::string const dir = argv[1];
     WriteTree(dir + "/tree.qva");
     WriteNodes(dir + "/nodes.qva");
+    WriteMasks(dir + "/masks.qva");
     WriteEmpty(dir + "/empty.qva");
     WriteOlder(dir + "/format6.qva", 6);
     WriteOlder(dir + "/format7.qva", 7);

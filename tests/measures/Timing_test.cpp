@@ -30,18 +30,20 @@ TEST(Timing, StopWatch) {
     EXPECT_GE(idle.Period(), 20u) << "runs from 0 after Continue";
     EXPECT_LT(idle.Period(), 1000u);
 
+    // Margins of a tenth of a second or more: the machine may be busy.
     BStopWatch watch;
-    Pause(20);
+    Pause(300);
     watch.Stop();
     double const stopped = watch.PeriodD();
-    Pause(30);
+    EXPECT_GE(stopped, 300.0);
+    Pause(300);
     watch.Stop(); // keeps the first stop time
     EXPECT_EQ(watch.PeriodD(), stopped);
     watch.Continue();
-    EXPECT_LT(watch.PeriodD() - stopped, 25.0) << "the pause does not count";
+    EXPECT_LT(watch.PeriodD() - stopped, 150.0) << "the pause does not count";
     EXPECT_GE(watch.PeriodD(), stopped);
     watch.Reset();
-    EXPECT_LT(watch.PeriodD(), 15.0);
+    EXPECT_LT(watch.PeriodD(), 150.0);
 }
 
 TEST(Timing, FramesPerSecond) {
@@ -51,7 +53,7 @@ TEST(Timing, FramesPerSecond) {
     EXPECT_EQ(counter.Fps(), 0.0) << "one frame";
     Pause(50);
     counter.AddFrame();
-    EXPECT_GT(counter.Fps(), 2.0);
+    EXPECT_GT(counter.Fps(), 0.5);
     EXPECT_LT(counter.Fps(), 21.0);
     counter.Restart();
     EXPECT_EQ(counter.Fps(), 0.0);
