@@ -3,10 +3,12 @@
 // write rows follow Windows, which edits only the line concerned (docs/profiles.md).
 #include "FileTestSupport.h"
 
+#include <chrono>
 #include <fcntl.h>
 #include <qv/platform/CodePage.h>
 #include <qv/platform/PrivateProfile.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 using namespace qv::platform;
@@ -280,6 +282,8 @@ TEST_F(PrivateProfile, DamagedFilesReadWithoutHarm) {
         {"utf-8 with mark", "\xEF\xBB\xBF[S]\nk=\xE2\x82\xAC\n", "\xE2\x82\xAC"},
     };
     for (auto const& row : rows) {
+        // Another program's write is seen once the stamp is checked again.
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
         WriteBytes(m_dir / "d.ini", row.bytes);
         char16_t buffer[8];
         GetPrivateProfileStringW(u"S", u"k", u"def", buffer, 8, Path("d.ini").c_str());
@@ -312,9 +316,11 @@ TEST_F(PrivateProfile, ChangesFromOutsideAreSeen) {
     WriteBytes(m_dir / "x.ini", "[S]\r\nk=2\r\n");
     struct timespec const later[2] = {{0, UTIME_OMIT}, {2000000000, 0}};
     ::utimensat(AT_FDCWD, (m_dir / "x.ini").c_str(), later, 0);
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
     EXPECT_EQ(GetPrivateProfileIntW(u"S", u"k", 0, path.c_str()), 2u);
     EXPECT_TRUE(WritePrivateProfileStringW(u"S", u"j", u"3", path.c_str()));
     EXPECT_EQ(Bytes("x.ini"), "[S]\r\nk=2\r\nj=3\r\n");
     ::unlink((m_dir / "x.ini").c_str());
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
     EXPECT_EQ(GetPrivateProfileIntW(u"S", u"k", 7, path.c_str()), 7u);
 }
