@@ -1,6 +1,7 @@
 // The ini engine against what the private-profile service answers on Windows. The read rows
-// are the answers of docs/probes/ini_probe.cpp and ini_probe2.cpp (results beside them); the
-// write rows follow Windows, which edits only the line concerned (docs/profiles.md).
+// are the answers of docs/probes/ini_probe.cpp and ini_probe2.cpp (results beside them) on
+// tests/data/ini_probe.ini, which joins the files of both probes; the write rows follow
+// Windows, which edits only the line concerned (docs/profiles.md).
 #include "FileTestSupport.h"
 
 #include <chrono>
@@ -15,42 +16,7 @@ using namespace qv::platform;
 
 namespace {
 
-// The file of the probe.
-constexpr char kProbeFile[] = "  [ Sec A ]  trailing\r\n"
-                              "  key1 =  value one  \r\n"
-                              "key2=\"quoted\"\r\n"
-                              "key3='single'\r\n"
-                              "key4=\"unbalanced\r\n"
-                              "key5= \" spaced \" \r\n"
-                              "KEY1=dup\r\n"
-                              ";comment=x\r\n"
-                              "# hash=y\r\n"
-                              "novalue\r\n"
-                              "empty=\r\n"
-                              "=noname\r\n"
-                              "int1= 42abc\r\n"
-                              "int2=-7\r\n"
-                              "int3=0x1F\r\n"
-                              "int4=abc\r\n"
-                              "int5=\r\n"
-                              "int6=4294967297\r\n"
-                              "int7=0X1f\r\n"
-                              "int8=  -0x10\r\n"
-                              "int9=\"12\"\r\n"
-                              "q1=\"a\"b\"\r\n"
-                              "q2=\"\r\n"
-                              "q3=''\r\n"
-                              "[sec a]\r\n"
-                              "key1=second\r\n"
-                              "extra=fromdup\r\n"
-                              "[a]b]\r\n"
-                              "k=v\r\n"
-                              "[nobracket\r\n"
-                              "k2=v2\r\n"
-                              "[Last]\r\n"
-                              "lone\rcr=1\r\n"
-                              "tab\tkey\t=\tv\t\r\n"
-                              "nl=x";
+
 
 // A list answer with its terminators shown as '|'.
 std::string Shown(char16_t const* buffer, std::uint32_t n) {
@@ -62,9 +28,8 @@ std::string Shown(char16_t const* buffer, std::uint32_t n) {
 
 class PrivateProfile : public ::testing::Test {
 protected:
-    void SetUp() override {
-        WriteBytes(m_dir / "p.ini", std::string(kProbeFile, sizeof kProbeFile - 1));
-    }
+    // The file of the probes.
+    void SetUp() override { WriteBytes(m_dir / "p.ini", DataFile("ini_probe.ini")); }
     std::u16string Path(std::string const& name = "p.ini") const { return m_dir.U(name); }
     std::string Bytes(std::string const& name = "p.ini") const { return ReadBytes(m_dir / name); }
 
@@ -299,7 +264,7 @@ TEST_F(PrivateProfile, FailedWritesLeaveTheFile) {
     EXPECT_FALSE(WritePrivateProfileStringW(u"S", u"k", u"v", u""));
     EXPECT_FALSE(WritePrivateProfileStringW(u"S", u"k", u"v", Path("p.ini/x.ini").c_str()));
     EXPECT_FALSE(WritePrivateProfileStringW(u"S", u"k", u"v", m_dir.U().c_str()));
-    EXPECT_EQ(Bytes(), std::string(kProbeFile, sizeof kProbeFile - 1));
+    EXPECT_EQ(Bytes(), DataFile("ini_probe.ini"));
     WriteBytes(m_dir / "ro.ini", "[S]\r\nk=1\r\n");
     ::chmod((m_dir / "ro.ini").c_str(), 0444);
     if (::access((m_dir / "ro.ini").c_str(), W_OK) == 0)
