@@ -14,23 +14,24 @@ using namespace qv::platform;
 
 namespace {
 
-std::u16string const& Path() {
-    static std::u16string const path = [] {
-        std::string const p = "/tmp/qv-ini-fuzz-" + std::to_string(::getpid()) + ".ini";
-        return std::u16string(p.begin(), p.end());
-    }();
-    return path;
+// A fresh name for each input: the input is written behind the engine's back, and such a
+// write is only seen once the engine checks the file's stamp again (docs/profiles.md).
+std::string NextPath() {
+    static unsigned count = 0;
+    return "/tmp/qv-ini-fuzz-" + std::to_string(::getpid()) + "-" + std::to_string(count++) +
+           ".ini";
 }
 
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, size_t size) {
-    std::string const native(Path().begin(), Path().end());
+    std::string const native = NextPath();
     if (std::FILE* file = std::fopen(native.c_str(), "wb")) {
         std::fwrite(data, 1, size, file);
         std::fclose(file);
     }
-    char16_t const* path = Path().c_str();
+    std::u16string const wide(native.begin(), native.end());
+    char16_t const* path = wide.c_str();
     std::vector<char16_t> buffer(4096);
     auto const n = static_cast<std::uint32_t>(buffer.size());
     GetPrivateProfileSectionNamesW(buffer.data(), n, path);
@@ -54,5 +55,8 @@ extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, size_t size) {
     ConvertPrivateProfileToUnicode(path);
     if (GetPrivateProfileIntW(first.c_str(), u"a", 0, path) != 1)
         std::abort();
+    std::remove(native.c_str());
+    std::string const slash = native.substr(0, native.rfind('/') + 1);
+    std::remove((slash + "." + native.substr(slash.size()) + ".lock").c_str());
     return 0;
 }
