@@ -27,6 +27,7 @@
 #include <climits>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <fcntl.h>
 #include <memory>
 #include <mutex>
@@ -36,6 +37,7 @@
 #include <random>
 #include <string>
 #include <sys/file.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <unordered_map>
@@ -251,32 +253,122 @@ Stamp StampOf(struct stat const& st) {
             static_cast<long long>(st.st_ctim.tv_sec) * 1000000000LL + st.st_ctim.tv_nsec};
 }
 
-struct CacheEntry {
-    Stamp stamp;
-    std::uint64_t counter = ~0ull; // the writers' change counter it was read at, if known
-    std::shared_ptr<IniFile const> file;
-};
-
-std::mutex g_cacheMutex;
-std::unordered_map<std::string, CacheEntry>& Cache() {
-    static auto* cache = new std::unordered_map<std::string, CacheEntry>();
-    return *cache;
+std::string LockPathOf(std::string const& path) {
+    std::size_t const slash = path.rfind('/');
+    std::size_t const start = slash == std::string::npos ? 0 : slash + 1;
+    return path.substr(0, start) + "." + path.substr(start) + ".lock";
 }
+
+// The writers' change counter: the first 8 bytes of the lock file, mapped shared, so that a
+// read learns of a write by any process of the library without a system call.
+class CounterMap {
+public:
+    explicit CounterMap(std::string const& path) {
+        int const fd = ::open(LockPathOf(path).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+        if (fd < 0)
+            return;
+        struct stat st;
+        if (::fstat(fd, &st) == 0 && (st.st_size >= 8 || ::ftruncate(fd, 8) == 0)) {
+            void* map = ::mmap(nullptr, 8, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
+            if (map != MAP_FAILED)
+                m_word = static_cast<std::uint64_t*>(map);
+        }
+        ::close(fd);
+    }
+    ~CounterMap() {
+        if (m_word)
+            ::munmap(m_word, 8);
+    }
+    CounterMap(CounterMap const&) = delete;
+    CounterMap& operator=(CounterMap const&) = delete;
+
+    bool Valid() const { return m_word != nullptr; }
+    std::uint64_t Load() const {
+        return std::atomic_ref<std::uint64_t>(*m_word).load(std::memory_order_acquire);
+    }
+    void Store(std::uint64_t value) const {
+        std::atomic_ref<std::uint64_t>(*m_word).store(value, std::memory_order_release);
+    }
+
+private:
+    std::uint64_t* m_word = nullptr;
+};
 
 std::shared_ptr<IniFile const> const& EmptyFile() {
     static auto const* empty = new std::shared_ptr<IniFile const>(std::make_shared<IniFile>());
     return *empty;
 }
 
-void Remember(std::string const& path, CacheEntry entry) {
-    std::lock_guard lock(g_cacheMutex);
-    auto& cache = Cache();
-    if (cache.size() >= kMaxCachedFiles && !cache.contains(path))
-        cache.clear();
-    cache[path] = std::move(entry);
+// The file that the name stands for: a symbolic link is followed, so that the rename replaces
+// the file it points to and the link stays.
+std::string Target(std::string const& path) {
+    struct stat st;
+    if (::lstat(path.c_str(), &st) == 0 && S_ISLNK(st.st_mode)) {
+        if (char* real = ::realpath(path.c_str(), nullptr)) {
+            std::string resolved(real);
+            std::free(real);
+            return resolved;
+        }
+    }
+    return path;
 }
 
-// Reads and parses the file; null with errno when it cannot be opened or read.
+// One path as callers name it, with its parsed copy. The copy is good while the counter has
+// not moved and the file's stamp was checked less than kRecheck ago; the stamp catches
+// programs that write the file without the library.
+constexpr long long kRecheckNs = 2000000;
+
+long long CoarseNow() {
+    struct timespec ts;
+    ::clock_gettime(CLOCK_MONOTONIC_COARSE, &ts);
+    return static_cast<long long>(ts.tv_sec) * 1000000000LL + ts.tv_nsec;
+}
+
+struct Watched {
+    explicit Watched(std::string path) : native(std::move(path)), counter(native) {}
+
+    std::string const native;
+    CounterMap const counter;
+    std::mutex mutex;
+    // Guarded by mutex.
+    std::shared_ptr<IniFile const> file; // null until first read
+    Stamp stamp;
+    std::uint64_t seen = 0;
+    long long checkedAt = 0;
+};
+
+std::mutex g_watchedMutex;
+std::unordered_map<std::u16string, std::shared_ptr<Watched>>& AllWatched() {
+    static auto* all = new std::unordered_map<std::u16string, std::shared_ptr<Watched>>();
+    return *all;
+}
+
+// The entry of a path; the last one a thread used is kept at hand.
+std::shared_ptr<Watched> Watch(char16_t const* path16) {
+    thread_local std::u16string lastPath;
+    thread_local std::shared_ptr<Watched> last;
+    if (last && lastPath == path16)
+        return last;
+    std::shared_ptr<Watched> w;
+    {
+        std::lock_guard lock(g_watchedMutex);
+        auto& all = AllWatched();
+        auto const it = all.find(path16);
+        if (it != all.end()) {
+            w = it->second;
+        } else {
+            if (all.size() >= kMaxCachedFiles)
+                all.clear();
+            w = std::make_shared<Watched>(Target(NativePath(path16)));
+            all.emplace(path16, w);
+        }
+    }
+    lastPath = path16;
+    last = w;
+    return w;
+}
+
+// Reads and parses the file; null when it cannot be opened or read.
 std::shared_ptr<IniFile const> ReadFile(std::string const& path, Stamp& stamp) {
     int const fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (fd < 0)
@@ -305,28 +397,41 @@ std::shared_ptr<IniFile const> ReadFile(std::string const& path, Stamp& stamp) {
     return file;
 }
 
-// The parsed file for reading: the cached copy while the file's stamp matches, else a fresh
-// parse. A missing or unreadable file is an empty one.
+// The current copy of w's file, for a caller that holds w.mutex. exact forces the stamp check
+// (writers under the lock); otherwise a copy whose counter has not moved is trusted for
+// kRecheckNs. A missing or unreadable file is an empty one; *exists tells which.
+std::shared_ptr<IniFile const> Current(Watched& w, bool exact, bool* exists = nullptr) {
+    std::uint64_t const counter = w.counter.Valid() ? w.counter.Load() : 0;
+    long long const now = CoarseNow();
+    if (w.file && !exact && w.counter.Valid() && counter == w.seen &&
+        now - w.checkedAt < kRecheckNs)
+        return w.file;
+    struct stat st;
+    Stamp stamp;
+    bool const present = ::stat(w.native.c_str(), &st) == 0;
+    if (present)
+        stamp = StampOf(st);
+    if (exists)
+        *exists = present;
+    if (!w.file || !(stamp == w.stamp) || (exact && counter != w.seen)) {
+        std::shared_ptr<IniFile const> file;
+        if (present)
+            file = ReadFile(w.native, stamp);
+        w.file = file ? file : EmptyFile();
+        w.stamp = stamp;
+    }
+    w.seen = counter;
+    w.checkedAt = now;
+    return w.file;
+}
+
+// The parsed file for reading.
 std::shared_ptr<IniFile const> Load(char16_t const* path16) {
     if (!path16 || !*path16)
         return EmptyFile();
-    std::string const path = NativePath(path16);
-    struct stat st;
-    if (::stat(path.c_str(), &st) != 0)
-        return EmptyFile();
-    Stamp const now = StampOf(st);
-    {
-        std::lock_guard lock(g_cacheMutex);
-        auto const it = Cache().find(path);
-        if (it != Cache().end() && it->second.stamp == now)
-            return it->second.file;
-    }
-    Stamp stamp;
-    auto file = ReadFile(path, stamp);
-    if (!file)
-        return EmptyFile();
-    Remember(path, {stamp, ~0ull, file});
-    return file;
+    std::shared_ptr<Watched> const w = Watch(path16);
+    std::lock_guard lock(w->mutex);
+    return Current(*w, false);
 }
 
 // ---- Reading -------------------------------------------------------------------------------
@@ -562,12 +667,6 @@ Edit ToUnicode(IniFile const& file) {
 
 // ---- The lock, the counter and the replacement ---------------------------------------------
 
-std::string LockPathOf(std::string const& path) {
-    std::size_t const slash = path.rfind('/');
-    std::size_t const start = slash == std::string::npos ? 0 : slash + 1;
-    return path.substr(0, start) + "." + path.substr(start) + ".lock";
-}
-
 class FileLock {
 public:
     explicit FileLock(std::string const& path) {
@@ -590,33 +689,10 @@ public:
     FileLock& operator=(FileLock const&) = delete;
 
     bool Held() const { return m_fd >= 0; }
-    std::uint64_t Counter() const {
-        std::uint64_t value = 0;
-        if (::pread(m_fd, &value, sizeof value, 0) != static_cast<ssize_t>(sizeof value))
-            value = 0;
-        return value;
-    }
-    void SetCounter(std::uint64_t value) const {
-        [[maybe_unused]] ssize_t const n = ::pwrite(m_fd, &value, sizeof value, 0);
-    }
 
 private:
     int m_fd = -1;
 };
-
-// The file that the name stands for: a symbolic link is followed, so that the rename replaces
-// the file it points to and the link stays.
-std::string Target(std::string const& path) {
-    struct stat st;
-    if (::lstat(path.c_str(), &st) == 0 && S_ISLNK(st.st_mode)) {
-        if (char* real = ::realpath(path.c_str(), nullptr)) {
-            std::string resolved(real);
-            std::free(real);
-            return resolved;
-        }
-    }
-    return path;
-}
 
 bool WriteAll(int fd, std::string const& bytes) {
     std::size_t done = 0;
@@ -672,34 +748,21 @@ template <class EditFn>
 bool Modify(char16_t const* path16, bool createIfMissing, EditFn edit) {
     if (!path16 || !*path16)
         return false;
-    std::string const path = Target(NativePath(path16));
+    std::shared_ptr<Watched> const w = Watch(path16);
+    std::string const& path = w->native;
     FileLock lock(path);
-    if (!lock.Held())
+    if (!lock.Held() || !w->counter.Valid())
         return false;
-    std::uint64_t const counter = lock.Counter();
-    std::shared_ptr<IniFile const> current;
+    std::lock_guard guard(w->mutex);
+    bool exists = false;
+    std::shared_ptr<IniFile const> const current = Current(*w, true, &exists);
     struct stat st;
-    bool const exists = ::stat(path.c_str(), &st) == 0;
     mode_t mode = 0666;
     if (exists) {
-        if (!S_ISREG(st.st_mode) || ::access(path.c_str(), W_OK) != 0)
+        if (::stat(path.c_str(), &st) != 0 || !S_ISREG(st.st_mode) ||
+            ::access(path.c_str(), W_OK) != 0)
             return false;
         mode = st.st_mode & 07777;
-        Stamp const now = StampOf(st);
-        {
-            std::lock_guard guard(g_cacheMutex);
-            auto const it = Cache().find(path);
-            if (it != Cache().end() && it->second.stamp == now && it->second.counter == counter)
-                current = it->second.file;
-        }
-        if (!current) {
-            Stamp stamp;
-            current = ReadFile(path, stamp);
-            if (!current)
-                return false;
-        }
-    } else {
-        current = EmptyFile();
     }
     Edit result = edit(*current, exists);
     if (!result.changed || (!exists && !createIfMissing))
@@ -710,8 +773,12 @@ bool Modify(char16_t const* path16, bool createIfMissing, EditFn edit) {
     Stamp stamp;
     if (!Replace(path, fresh->bytes, mode, stamp))
         return false;
-    lock.SetCounter(counter + 1);
-    Remember(path, {stamp, counter + 1, std::move(fresh)});
+    std::uint64_t const counter = w->counter.Load() + 1;
+    w->counter.Store(counter);
+    w->file = std::move(fresh);
+    w->stamp = stamp;
+    w->seen = counter;
+    w->checkedAt = CoarseNow();
     return true;
 }
 

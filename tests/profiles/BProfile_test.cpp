@@ -101,9 +101,6 @@ TEST_F(Profile, NumberedKeysAndNumberTexts) {
 }
 
 TEST_F(Profile, BooleansNeitherCreateNorConvert) {
-    BProfile p(Path("none/x.ini"), kProfileReadOnly);
-    BProfile w(p);
-    w = BProfile(Path("none/x.ini"), kProfileReadOnly);
     EXPECT_EQ(BProfile::WriteString(Path("none/x.ini"), u"S", u"k", u"v"), 0)
         << "the static write makes the folder";
     BProfile bools(Path("other/x.ini"), kProfileReadOnly);

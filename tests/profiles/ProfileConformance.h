@@ -113,13 +113,6 @@ TYPED_TEST_P(ProfileConformance, FloatBoolAndTextReads) {
     }
     ASSERT_TRUE(p->Write(u"b", true));
     EXPECT_EQ(U8(p->GetString(u"b", WString())), "TRUE");
-
-    WString text(u"keep");
-    EXPECT_FALSE(p->Read(u"none", text));
-    EXPECT_EQ(U8(text), "keep");
-    ASSERT_TRUE(p->Write(u"t", u"value"));
-    EXPECT_TRUE(p->Read(u"t", text));
-    EXPECT_EQ(U8(text), "value");
 }
 
 TYPED_TEST_P(ProfileConformance, HexReadsCountTwoForThePrefix) {
@@ -155,10 +148,8 @@ TYPED_TEST_P(ProfileConformance, TimeTextRoundTripsAndNormalises) {
     EXPECT_EQ(U8(p->GetString(u"t", WString())), "03/07/2021 08:05:09.004");
     _SYSTEMTIME back{};
     EXPECT_TRUE(p->Read(u"t", back));
-    EXPECT_EQ(back.wYear, 2021);
-    EXPECT_EQ(back.wDay, 7);
-    EXPECT_EQ(back.wDayOfWeek, 0) << "7 March 2021 was a Sunday";
-    EXPECT_EQ(back.wMilliseconds, 4);
+    _SYSTEMTIME const sunday = {2021, 3, 0, 7, 8, 5, 9, 4}; // 7 March 2021 was a Sunday
+    EXPECT_EQ(std::memcmp(&back, &sunday, sizeof back), 0);
 
     ASSERT_TRUE(p->WriteString(u"s", u" 03 / 07 / 2021  08 : 05 : 09 . 004 "));
     _SYSTEMTIME spaced{};
@@ -167,10 +158,8 @@ TYPED_TEST_P(ProfileConformance, TimeTextRoundTripsAndNormalises) {
 
     _SYSTEMTIME missing = t;
     EXPECT_FALSE(p->Read(u"none", missing));
-    EXPECT_EQ(missing.wYear, 1899);
-    EXPECT_EQ(missing.wMonth, 12);
-    EXPECT_EQ(missing.wDay, 30);
-    EXPECT_EQ(missing.wDayOfWeek, 6);
+    _SYSTEMTIME const dateDefault = {1899, 12, 6, 30, 0, 0, 0, 0};
+    EXPECT_EQ(std::memcmp(&missing, &dateDefault, sizeof missing), 0);
 
     ASSERT_TRUE(p->WriteString(u"bad", u"13/40/2021 00:00:00.000"));
     _SYSTEMTIME bad{};
