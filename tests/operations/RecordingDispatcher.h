@@ -72,7 +72,7 @@ struct Session {
 };
 
 // A registered window; the message number and first parameter of each post, in order.
-class RecordingWindow : public qv::platform::WindowReceiver {
+class RecordingWindow final : public qv::platform::WindowReceiver {
 public:
     RecordingWindow() : handle(qv::platform::RegisterWindowReceiver(this)) {}
     ~RecordingWindow() { qv::platform::UnregisterWindowReceiver(handle); }
