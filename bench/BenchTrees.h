@@ -5,6 +5,7 @@
 
 #include <benchmark/benchmark.h>
 #include <malloc.h>
+#include <qv/persistence/BArchive.h>
 #include <qv/persistence/BReadObjCallbackMap.h>
 #include <qv/tree/BNode.h>
 
