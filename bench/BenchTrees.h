@@ -5,16 +5,20 @@
 
 #include <benchmark/benchmark.h>
 #include <malloc.h>
+#include <qv/persistence/BArchive.h>
 #include <qv/persistence/BReadObjCallbackMap.h>
 #include <qv/tree/BNode.h>
 
 #ifdef QV_BENCH_WITH_BOOST
+#include <boost/archive/binary_iarchive.hpp>
+#include <boost/archive/binary_oarchive.hpp>
 #include <boost/serialization/shared_ptr.hpp>
 #include <boost/serialization/string.hpp>
 #include <boost/serialization/vector.hpp>
 #endif
 
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <string>
 #include <vector>
@@ -126,6 +130,31 @@ inline std::shared_ptr<Node> BuildBoostTree(long nodes) {
     return root;
 }
 
+inline void WriteBoost(std::shared_ptr<Node> const& root, std::string const& path) {
+    std::ofstream out(path, std::ios::binary);
+    boost::archive::binary_oarchive archive(out);
+    archive << root;
+}
+
+// Reads the tree back as many times as the case runs; the heap the loaded tree holds per node
+// goes to the counter bytes_per_node.
+inline void BoostLoadCase(benchmark::State& state, std::string const& path) {
+    for (auto _ : state) {
+        std::shared_ptr<Node> root;
+        double before = HeapInUse();
+        {
+            std::ifstream in(path, std::ios::binary);
+            boost::archive::binary_iarchive archive(in);
+            archive >> root;
+        }
+        benchmark::DoNotOptimize(root.get());
+        state.PauseTiming(); // freeing the tree is not loading it, on either side
+        state.counters["bytes_per_node"] =
+            (HeapInUse() - before) / static_cast<double>(state.range(0));
+        root.reset();
+        state.ResumeTiming();
+    }
+}
 #endif
 
 } // namespace bench_trees

@@ -6,13 +6,6 @@
 
 #include <qv/persistence/BQuorvelArchive.h>
 
-#ifdef QV_BENCH_WITH_BOOST
-#include <boost/archive/binary_iarchive.hpp>
-#include <boost/archive/binary_oarchive.hpp>
-#endif
-
-#include <fstream>
-
 namespace {
 
 using namespace bench_trees;
@@ -58,36 +51,14 @@ BENCHMARK(Qv_Load)->Apply(Sizes);
 void Boost_Write(benchmark::State& state) {
     auto root = BuildBoostTree(state.range(0));
     std::string path = TempFile("boost_bench_tree.bin");
-    for (auto _ : state) {
-        std::ofstream out(path, std::ios::binary);
-        boost::archive::binary_oarchive archive(out);
-        archive << root;
-    }
+    for (auto _ : state)
+        WriteBoost(root, path);
 }
 
 void Boost_Load(benchmark::State& state) {
     std::string path = TempFile("boost_bench_tree.bin");
-    {
-        auto root = BuildBoostTree(state.range(0));
-        std::ofstream out(path, std::ios::binary);
-        boost::archive::binary_oarchive archive(out);
-        archive << root;
-    }
-    for (auto _ : state) {
-        std::shared_ptr<Node> root;
-        double before = HeapInUse();
-        {
-            std::ifstream in(path, std::ios::binary);
-            boost::archive::binary_iarchive archive(in);
-            archive >> root;
-        }
-        benchmark::DoNotOptimize(root.get());
-        state.PauseTiming();
-        state.counters["bytes_per_node"] =
-            (HeapInUse() - before) / static_cast<double>(state.range(0));
-        root.reset();
-        state.ResumeTiming();
-    }
+    WriteBoost(BuildBoostTree(state.range(0)), path);
+    BoostLoadCase(state, path);
 }
 
 BENCHMARK(Boost_Write)->Apply(Sizes);

@@ -7,13 +7,6 @@
 #include <qv/persistence/BIStreamArchive.h>
 #include <qv/persistence/BOStreamArchive.h>
 
-#ifdef QV_BENCH_WITH_BOOST
-#include <boost/archive/binary_iarchive.hpp>
-#include <boost/archive/binary_oarchive.hpp>
-#endif
-
-#include <fstream>
-
 namespace {
 
 using namespace bench_trees;
@@ -55,33 +48,14 @@ BENCHMARK(BM_Read_StreamArchive)->Apply(Sizes);
 void BM_Write_BoostBinary(benchmark::State& state) {
     auto root = BuildBoostTree(state.range(0));
     std::string path = TempFile("boost_bench_stream_tree.bin");
-    for (auto _ : state) {
-        std::ofstream out(path, std::ios::binary);
-        boost::archive::binary_oarchive archive(out);
-        archive << root;
-    }
+    for (auto _ : state)
+        WriteBoost(root, path);
 }
 
 void BM_Read_BoostBinary(benchmark::State& state) {
     std::string path = TempFile("boost_bench_stream_tree.bin");
-    {
-        auto root = BuildBoostTree(state.range(0));
-        std::ofstream out(path, std::ios::binary);
-        boost::archive::binary_oarchive archive(out);
-        archive << root;
-    }
-    for (auto _ : state) {
-        std::shared_ptr<Node> root;
-        {
-            std::ifstream in(path, std::ios::binary);
-            boost::archive::binary_iarchive archive(in);
-            archive >> root;
-        }
-        benchmark::DoNotOptimize(root.get());
-        state.PauseTiming();
-        root.reset();
-        state.ResumeTiming();
-    }
+    WriteBoost(BuildBoostTree(state.range(0)), path);
+    BoostLoadCase(state, path);
 }
 
 BENCHMARK(BM_Write_BoostBinary)->Apply(Sizes);

@@ -138,10 +138,7 @@ SP<BSmartObj> BIStreamArchive::Next(bool& ended) {
     // An object of unknown length cannot be passed over, and the stream is lost behind it.
     if (!read || s.depth >= kStreamMaxDepth)
         ThrowError();
-    struct Level {
-        int& depth;
-        ~Level() { --depth; }
-    } level{++s.depth};
+    StreamLevel level(s.depth);
     SP<BSmartObj> object;
     try {
         object = read(*this, version);

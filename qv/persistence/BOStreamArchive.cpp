@@ -101,10 +101,7 @@ void BOStreamArchive::Insert(BSmartObj* object, char const* name) {
     *this << static_cast<unsigned long long>(object ? 1 : 0);
     if (!object)
         return;
-    struct Level {
-        int& depth;
-        ~Level() { --depth; }
-    } level{++s.depth};
+    StreamLevel level(s.depth);
     object->WritePrefix(*this, BString(std::string_view(name ? name : "")));
     object->WriteData(*this);
 }

@@ -195,7 +195,8 @@ void BNode::UpdateAssociations(BArchive& archive) {
     // from a tree built by calls there is none, so this drops nothing but what a damaged file
     // adds.
     std::unordered_set<BNode const*>& seen = OwnedScratch();
-    seen.clear();
+    if (!seen.empty())
+        seen.clear(); // clearing costs the buckets even when there is nothing to clear
     if (ClosesCycle(AsNode(m_object.get()), seen))
         m_object = nullptr;
     ClaimChildren(seen);
@@ -226,11 +227,12 @@ bool BNode::ClosesCycle(BNode const* target, std::unordered_set<BNode const*>& s
     // walk at all. seen holds the nodes that earlier checks of this node walked and found not
     // to lead here; since a new association starts at this node, none of them can lead here
     // later either, so each node is walked at most once per resolved node.
-    if (!target)
-        return false;
     if (target == this)
         return true;
-    std::vector<BNode const*> pending{target};
+    if (!target || target->m_underLoad)
+        return false;
+    thread_local std::vector<BNode const*> pending;
+    pending.assign(1, target);
     while (!pending.empty()) {
         BNode const* node = pending.back();
         pending.pop_back();

@@ -1,6 +1,7 @@
 // Stream archives through real files: the header and object form byte for byte, nodes and
 // other objects in place, the fixed results of each direction and every failure.
 #include "persistence/ArchiveFiles.h"
+#include "persistence/ArchiveTestSupport.h"
 #include "platform/FileTestSupport.h"
 
 #include <functional>
@@ -269,4 +270,30 @@ TEST_F(StreamArchiveTest, WritingTooDeepAStructureThrows) {
         tip = tip->QueryChild(u"n");
     BOStreamArchive out(Path(), u"N");
     EXPECT_THROW(out.Insert(root, nullptr), BError);
+}
+
+TEST_F(StreamArchiveTest, EveryReferenceFormOfAStorableClass) {
+    SP<ArchiveItem> root = new ArchiveItem(u"root");
+    SP<ArchiveTag> tag = new ArchiveTag(4);
+    root->m_object = SP<BSmartObj>(new ArchiveTag(9));
+    ArchiveItem* kid = root->Add(new ArchiveItem(u"kid"));
+    kid->m_tags.AddTail(tag);
+    kid->m_tags.AddTail(tag);
+    kid->m_value = 3;
+    Store([&](BOStreamArchive& a) { a.Insert(root, "root"); });
+
+    BIStreamArchive in(Path(), u"N");
+    SP<ArchiveItem> back = in.TakeOut("");
+    ASSERT_TRUE(back);
+    ASSERT_TRUE(back->m_object);
+    EXPECT_EQ(SP<ArchiveTag>(back->m_object)->m_value, 9) << "an object with a virtual base";
+    ASSERT_EQ(back->m_children.Count(), 1);
+    ArchiveItem* k = back->m_children[0];
+    EXPECT_EQ(k->m_text, WString(u"kid"));
+    EXPECT_EQ(k->m_value, 3) << "the plain parent reference took its 8 bytes";
+    EXPECT_EQ(k->m_parent, nullptr);
+    ASSERT_EQ(k->m_tags.Count(), 2);
+    EXPECT_NE(k->m_tags[0].get(), k->m_tags[1].get()) << "one tag held twice comes back twice";
+    EXPECT_EQ(k->m_updates, 0) << "nothing calls UpdateAssociations";
+    EXPECT_FALSE(in.TakeOut(""));
 }

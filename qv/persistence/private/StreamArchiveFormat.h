@@ -20,6 +20,15 @@ inline constexpr int kStreamFormatVersion = 9;
 // is no measurement tree.
 inline constexpr int kStreamMaxDepth = 2000;
 
+// Counts one level of objects being written or read, one inside the other, for its scope.
+struct StreamLevel {
+    explicit StreamLevel(int& depth) : m_depth(++depth) {}
+    ~StreamLevel() { --m_depth; }
+    StreamLevel(StreamLevel const&) = delete;
+    StreamLevel& operator=(StreamLevel const&) = delete;
+    int& m_depth;
+};
+
 // Bytes gathered or read ahead between two calls to the stream.
 inline constexpr std::size_t kStreamChunk = 64 * 1024;
 
