@@ -151,7 +151,9 @@ void StoreAndLoadTree(std::filesystem::path const& samples) {
 // stream archive, a measuring head's sensor file with two camera files, a binary profile, a
 // language file, the registry store and a profiler log.
 void WriteSamples(std::filesystem::path const& samples) {
-    auto wide = [&samples](char const* name) { return WString::FromUtf8((samples / name).string()); };
+    auto wide = [&samples](char const* name) {
+        return WString::FromUtf8((samples / name).string());
+    };
     {
         // A self-contained branch of library classes, which any reader can follow.
         SP<BNode> head = new BNode;
@@ -165,8 +167,10 @@ void WriteSamples(std::filesystem::path const& samples) {
     BProfiler::SetLogfilePath(WString::FromUtf8((samples / "profiler").string() + "/"));
     BProfiler::Start(u"writing samples");
 
-    BProfile::WriteString(wide("head/sensor.ini"), u"Quorvel Imaging Device 0", u"File", u"cam0.ini");
-    BProfile::WriteString(wide("head/sensor.ini"), u"Quorvel Imaging Device 1", u"File", u"cam1.ini");
+    BProfile::WriteString(wide("head/sensor.ini"), u"Quorvel Imaging Device 0", u"File",
+                          u"cam0.ini");
+    BProfile::WriteString(wide("head/sensor.ini"), u"Quorvel Imaging Device 1", u"File",
+                          u"cam1.ini");
     for (char const* camera : {"head/cam0.ini", "head/cam1.ini"}) {
         BCamProfile profile(wide(camera), u"Current");
         profile.WriteVendor(u"Quorvel");

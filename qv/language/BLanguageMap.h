@@ -9,11 +9,11 @@
 
 #include <map>
 #include <memory>
-#include <vector>
 #include <qv/core/BSmartObj.h>
 #include <qv/core/Export.h>
 #include <qv/core/containers/BArray.h>
 #include <qv/core/strings/WString.h>
+#include <vector>
 
 class BFile;
 

@@ -8,11 +8,11 @@
 /// Opening a BQuorvelArchive gives only good or not good; this class says why.
 #pragma once
 
+#include <cstdio>
+#include <functional>
 #include <qv/core/Export.h>
 #include <qv/core/strings/BString.h>
 #include <qv/core/strings/WString.h>
-#include <cstdio>
-#include <functional>
 #include <vector>
 
 class QV_EXPORT BArchiveInspector {

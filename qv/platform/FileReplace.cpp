@@ -1,12 +1,7 @@
-// The cross-process part of FileLock is flock() on a separate lock file: the data file itself
-// is replaced by rename, and a lock on a file that has just been renamed over would guard
-// nothing. Threads of one process share one open file description per lock file, and flock()
-// does not count holders within a process, so the in-process mutex is taken first and the
-// flock() only by the thread that holds it.
-#include <cerrno>
-#include <fcntl.h>
-#include <map>
-#include <mutex>
+// The lock is flock() on a separate lock file: the data file itself is replaced by rename, and
+// a lock on a file that has just been renamed over would guard nothing. flock() locks belong to
+// an open file description, so every FileLock opens the lock file afresh and threads of one
+// process queue like processes.
 #include <qv/platform/FileReplace.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -15,16 +10,6 @@
 namespace qv::platform {
 
 namespace {
-
-std::mutex& MutexOf(std::string const& path) {
-    static std::mutex tableMutex;
-    static std::map<std::string, std::unique_ptr<std::mutex>> table;
-    std::lock_guard<std::mutex> guard(tableMutex);
-    auto& slot = table[path];
-    if (!slot)
-        slot = std::make_unique<std::mutex>();
-    return *slot;
-}
 
 std::string DirectoryOf(std::string const& path) {
     std::size_t slash = path.rfind('/');
@@ -55,22 +40,27 @@ FileStamp StampOf(std::string const& nativePath) {
             static_cast<long long>(info.st_size)};
 }
 
-struct FileLock::Held {
-    std::unique_lock<std::mutex> inProcess;
-    int fd = -1;
-};
+std::string LockPathOf(std::string const& nativePath) {
+    std::size_t const start = nativePath.rfind('/') + 1; // 0 without a slash
+    return nativePath.substr(0, start) + "." + nativePath.substr(start) + ".lock";
+}
 
-FileLock::FileLock(std::string const& nativePath) : m_held(std::make_unique<Held>()) {
-    m_held->inProcess = std::unique_lock<std::mutex>(MutexOf(nativePath));
-    m_held->fd = ::open((nativePath + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-    if (m_held->fd >= 0)
-        while (::flock(m_held->fd, LOCK_EX) != 0 && errno == EINTR) {
+FileLock::FileLock(std::string const& nativePath) {
+    m_fd = ::open(LockPathOf(nativePath).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+    if (m_fd < 0)
+        return;
+    while (::flock(m_fd, LOCK_EX) != 0) {
+        if (errno != EINTR) {
+            ::close(m_fd);
+            m_fd = -1;
+            return;
         }
+    }
 }
 
 FileLock::~FileLock() {
-    if (m_held->fd >= 0)
-        ::close(m_held->fd); // closing the description releases the flock
+    if (m_fd >= 0)
+        ::close(m_fd); // closing the description releases the flock
 }
 
 bool CanReplaceFile(std::string const& nativePath) {
@@ -79,14 +69,18 @@ bool CanReplaceFile(std::string const& nativePath) {
     return ::access(nativePath.c_str(), F_OK) != 0 || ::access(nativePath.c_str(), W_OK) == 0;
 }
 
-bool ReplaceFile(std::string const& nativePath, std::string_view bytes) {
-    std::string temporary = nativePath + ".XXXXXX";
+bool ReplaceFile(std::string const& nativePath, std::string_view bytes, int mode) {
+    std::size_t const start = nativePath.rfind('/') + 1;
+    std::string temporary =
+        nativePath.substr(0, start) + "." + nativePath.substr(start) + ".XXXXXX";
     int fd = ::mkstemp(temporary.data());
     if (fd < 0)
         return false;
     struct stat existing;
-    mode_t mode = ::stat(nativePath.c_str(), &existing) == 0 ? existing.st_mode & 07777 : 0644;
-    bool ok = ::fchmod(fd, mode) == 0 && WriteAll(fd, bytes) && ::fsync(fd) == 0;
+    if (mode < 0)
+        mode = ::stat(nativePath.c_str(), &existing) == 0 ? existing.st_mode & 07777 : 0644;
+    bool ok =
+        ::fchmod(fd, static_cast<mode_t>(mode)) == 0 && WriteAll(fd, bytes) && ::fsync(fd) == 0;
     ok = ::close(fd) == 0 && ok;
     if (!ok || ::rename(temporary.c_str(), nativePath.c_str()) != 0) {
         ::unlink(temporary.c_str());

@@ -21,10 +21,14 @@ struct FileStamp {
 
 FileStamp StampOf(std::string const& nativePath);
 
-/// Holds the lock of one file for threads of this process and for other processes: an
-/// in-process mutex per path, then an advisory lock on "<file>.lock" beside it. Where the lock
-/// file cannot be made (a read-only directory) only the in-process part holds; the store
-/// cannot be written then anyway.
+/// The lock file of a file: ".<name>.lock" beside it, never removed (removing it would let
+/// two writers hold locks on two different files).
+std::string LockPathOf(std::string const& nativePath);
+
+/// Holds the lock of one file for other threads and other processes alike: an advisory flock
+/// on the file's lock file, taken through a descriptor of its own, so threads of one process
+/// exclude each other as processes do. Held() is false where the lock file cannot be made (a
+/// directory that cannot be written, where the file cannot be replaced anyway).
 class FileLock {
 public:
     explicit FileLock(std::string const& nativePath);
@@ -32,19 +36,21 @@ public:
     FileLock(FileLock const&) = delete;
     FileLock& operator=(FileLock const&) = delete;
 
+    bool Held() const { return m_fd >= 0; }
+
 private:
-    struct Held;
-    std::unique_ptr<Held> m_held;
+    int m_fd = -1;
 };
 
 /// True when the file may be replaced: its directory exists and can be written, and the file,
 /// if there is one, can be written too.
 bool CanReplaceFile(std::string const& nativePath);
 
-/// Writes bytes to a temporary file beside the target, flushes it to the disk and renames it
-/// over the target, then flushes the directory. False (and the target as it was) on any
-/// failure. Call it under the file's FileLock.
-bool ReplaceFile(std::string const& nativePath, std::string_view bytes);
+/// Writes bytes to a hidden temporary file beside the target, flushes it to the disk and
+/// renames it over the target, then flushes the directory. The new file gets \p mode, or by
+/// default the old file's permissions (0644 for a new one). False, and the target as it was,
+/// on any failure. Call it under the file's FileLock.
+bool ReplaceFile(std::string const& nativePath, std::string_view bytes, int mode = -1);
 
 /// The whole file, or false when it cannot be read.
 bool ReadWholeFile(std::string const& nativePath, std::string& bytes);

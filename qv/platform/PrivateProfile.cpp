@@ -32,9 +32,10 @@
 #include <memory>
 #include <mutex>
 #include <qv/platform/CodePage.h>
+#include <qv/platform/FileReplace.h>
 #include <qv/platform/PathText.h>
 #include <qv/platform/TextServices.h>
-#include <random>
+#include <qv/platform/WideNumbers.h>
 #include <string>
 #include <sys/file.h>
 #include <sys/mman.h>
@@ -251,12 +252,6 @@ Stamp StampOf(struct stat const& st) {
     return {st.st_dev, st.st_ino, st.st_size,
             static_cast<long long>(st.st_mtim.tv_sec) * 1000000000LL + st.st_mtim.tv_nsec,
             static_cast<long long>(st.st_ctim.tv_sec) * 1000000000LL + st.st_ctim.tv_nsec};
-}
-
-std::string LockPathOf(std::string const& path) {
-    std::size_t const slash = path.rfind('/');
-    std::size_t const start = slash == std::string::npos ? 0 : slash + 1;
-    return path.substr(0, start) + "." + path.substr(start) + ".lock";
 }
 
 // The writers' change counter: the first 8 bytes of the lock file, mapped shared, so that a
@@ -667,75 +662,11 @@ Edit ToUnicode(IniFile const& file) {
 
 // ---- The lock, the counter and the replacement ---------------------------------------------
 
-class FileLock {
-public:
-    explicit FileLock(std::string const& path) {
-        m_fd = ::open(LockPathOf(path).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-        if (m_fd < 0)
-            return;
-        while (::flock(m_fd, LOCK_EX) != 0) {
-            if (errno != EINTR) {
-                ::close(m_fd);
-                m_fd = -1;
-                return;
-            }
-        }
-    }
-    ~FileLock() {
-        if (m_fd >= 0)
-            ::close(m_fd); // closing releases the flock
-    }
-    FileLock(FileLock const&) = delete;
-    FileLock& operator=(FileLock const&) = delete;
-
-    bool Held() const { return m_fd >= 0; }
-
-private:
-    int m_fd = -1;
-};
-
-bool WriteAll(int fd, std::string const& bytes) {
-    std::size_t done = 0;
-    while (done < bytes.size()) {
-        ssize_t const n = ::write(fd, bytes.data() + done, bytes.size() - done);
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n <= 0)
-            return false;
-        done += static_cast<std::size_t>(n);
-    }
-    return true;
-}
-
-// Writes bytes to a fresh file beside path and renames it over path. The stamp of the new
-// file comes back for the cache.
+// Writes bytes over path (on disk, whole, before it returns) and gives the stamp of the new
+// file for the cache: the rename changes the change time, so the stamp is taken again.
 bool Replace(std::string const& path, std::string const& bytes, mode_t mode, Stamp& stamp) {
-    static std::atomic<unsigned> sequence{0};
-    thread_local std::minstd_rand random(std::random_device{}());
-    std::size_t const slash = path.rfind('/');
-    std::size_t const start = slash == std::string::npos ? 0 : slash + 1;
-    std::string temp;
-    int fd = -1;
-    for (int attempt = 0; attempt < 16 && fd < 0; ++attempt) {
-        temp = path.substr(0, start) + "." + path.substr(start) + "." + std::to_string(::getpid()) +
-               "-" + std::to_string(sequence++) + "-" + std::to_string(random()) + ".tmp";
-        fd = ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
-        if (fd < 0 && errno != EEXIST)
-            return false;
-    }
-    if (fd < 0)
-        return false;
     struct stat st;
-    bool ok = WriteAll(fd, bytes) && ::fstat(fd, &st) == 0;
-    ok = ::close(fd) == 0 && ok;
-    if (ok)
-        ok = ::rename(temp.c_str(), path.c_str()) == 0;
-    if (!ok) {
-        ::unlink(temp.c_str());
-        return false;
-    }
-    // The rename changes the change time of the file, so the stamp is taken again.
-    if (::stat(path.c_str(), &st) != 0)
+    if (!ReplaceFile(path, bytes, static_cast<int>(mode)) || ::stat(path.c_str(), &st) != 0)
         return false;
     stamp = StampOf(st);
     return true;
@@ -757,7 +688,7 @@ bool Modify(char16_t const* path16, bool createIfMissing, EditFn edit) {
     bool exists = false;
     std::shared_ptr<IniFile const> const current = Current(*w, true, &exists);
     struct stat st;
-    mode_t mode = 0666;
+    mode_t mode = 0644; // a new file, as the usual umask leaves it
     if (exists) {
         if (::stat(path.c_str(), &st) != 0 || !S_ISREG(st.st_mode) ||
             ::access(path.c_str(), W_OK) != 0)
@@ -787,16 +718,6 @@ std::u16string_view DefaultText(char16_t const* defaultValue) {
     while (!text.empty() && IsBlank(text.back()))
         text.remove_suffix(1);
     return text;
-}
-
-int HexDigit(char16_t c) {
-    if (c >= u'0' && c <= u'9')
-        return c - u'0';
-    if (c >= u'a' && c <= u'f')
-        return c - u'a' + 10;
-    if (c >= u'A' && c <= u'F')
-        return c - u'A' + 10;
-    return -1;
 }
 
 } // namespace
@@ -852,8 +773,8 @@ std::uint32_t GetPrivateProfileIntW(char16_t const* section, char16_t const* key
         negative = *p++ == u'-';
     std::uint32_t value = 0;
     if (p[0] == u'0' && p[1] == u'x') {
-        for (p += 2; HexDigit(*p) >= 0; ++p)
-            value = value * 16 + static_cast<std::uint32_t>(HexDigit(*p));
+        for (p += 2; HexDigitValue(*p) >= 0; ++p)
+            value = value * 16 + static_cast<std::uint32_t>(HexDigitValue(*p));
     } else {
         for (; *p >= u'0' && *p <= u'9'; ++p)
             value = value * 10 + static_cast<std::uint32_t>(*p - u'0');
@@ -921,8 +842,8 @@ bool GetPrivateProfileStructW(char16_t const* section, char16_t const* key, void
     std::vector<unsigned char> bytes(size + 1);
     unsigned sum = 0;
     for (std::size_t i = 0; i <= size; ++i) {
-        int const high = HexDigit(text[2 * i]);
-        int const low = HexDigit(text[2 * i + 1]);
+        int const high = HexDigitValue(text[2 * i]);
+        int const low = HexDigitValue(text[2 * i + 1]);
         if (high < 0 || low < 0)
             return false;
         bytes[i] = static_cast<unsigned char>(high << 4 | low);

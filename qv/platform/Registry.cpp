@@ -20,6 +20,7 @@
 #include <qv/platform/PathText.h>
 #include <qv/platform/Registry.h>
 #include <qv/platform/TextServices.h>
+#include <qv/platform/WideNumbers.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
@@ -273,16 +274,6 @@ bool Quoted(std::u16string_view line, std::size_t& pos, std::u16string& text) {
     return false;
 }
 
-int HexDigit(char16_t c) {
-    if (c >= u'0' && c <= u'9')
-        return c - u'0';
-    if (c >= u'a' && c <= u'f')
-        return c - u'a' + 10;
-    if (c >= u'A' && c <= u'F')
-        return c - u'A' + 10;
-    return -1;
-}
-
 bool HexList(std::u16string_view text, std::string& bytes) {
     bytes.clear();
     std::size_t pos = 0;
@@ -291,8 +282,8 @@ bool HexList(std::u16string_view text, std::string& bytes) {
             ++pos;
         if (pos == text.size())
             break;
-        int high = HexDigit(text[pos]);
-        int low = pos + 1 < text.size() ? HexDigit(text[pos + 1]) : -1;
+        int high = HexDigitValue(text[pos]);
+        int low = pos + 1 < text.size() ? HexDigitValue(text[pos + 1]) : -1;
         if (high < 0)
             return false;
         if (low < 0) { // a single digit
@@ -328,7 +319,7 @@ bool ParseData(std::u16string_view data, std::uint32_t& type, std::string& bytes
             return false;
         std::uint32_t number = 0;
         for (char16_t c : digits) {
-            int digit = HexDigit(c);
+            int digit = HexDigitValue(c);
             if (digit < 0)
                 return false;
             number = number * 16 + static_cast<std::uint32_t>(digit);
@@ -347,7 +338,7 @@ bool ParseData(std::u16string_view data, std::uint32_t& type, std::string& bytes
             return false;
         std::uint32_t number = 0;
         for (char16_t c : data.substr(4, close - 4)) {
-            int digit = HexDigit(c);
+            int digit = HexDigitValue(c);
             if (digit < 0)
                 return false;
             number = number * 16 + static_cast<std::uint32_t>(digit);
@@ -432,7 +423,7 @@ public:
         MakeDirectory(file);
         FileLock lock(file);
         Hive& hive = Fresh(root);
-        if (!hive.writable || !CanReplaceFile(file))
+        if (!lock.Held() || !hive.writable || !CanReplaceFile(file))
             return kRegAccessDenied;
         if (long result = change(hive.root); result != kRegSuccess)
             return result;

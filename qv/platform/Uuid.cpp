@@ -1,9 +1,9 @@
 // libuuid makes the identifiers; the conversion between its byte array (RFC 4122 order, the
 // numbers big-endian) and the record's fields, and the text forms, are done here.
-#include "qv/platform/Uuid.h"
-
 #include <cstring>
 #include <new>
+#include <qv/platform/Uuid.h>
+#include <qv/platform/WideNumbers.h>
 #include <uuid/uuid.h>
 
 namespace qv::platform {
@@ -34,16 +34,6 @@ _GUID FromBytes(unsigned char const (&bytes)[16]) {
     g.Data3 = static_cast<std::uint16_t>(bytes[6] << 8 | bytes[7]);
     std::memcpy(g.Data4, bytes + 8, 8);
     return g;
-}
-
-int HexValue(char16_t c) {
-    if (c >= u'0' && c <= u'9')
-        return c - u'0';
-    if (c >= u'a' && c <= u'f')
-        return c - u'a' + 10;
-    if (c >= u'A' && c <= u'F')
-        return c - u'A' + 10;
-    return -1;
 }
 
 } // namespace
@@ -95,8 +85,8 @@ RPC_STATUS UuidFromStringW(char16_t const* text, _GUID* uuid) {
     if (text[kTextLength] != 0)
         return RPC_S_INVALID_STRING_UUID;
     for (int pos : kTextPos) {
-        int const high = HexValue(text[pos]);
-        int const low = HexValue(text[pos + 1]);
+        int const high = HexDigitValue(text[pos]);
+        int const low = HexDigitValue(text[pos + 1]);
         if (high < 0 || low < 0)
             return RPC_S_INVALID_STRING_UUID;
         bytes[next++] = static_cast<unsigned char>(high << 4 | low);

@@ -52,4 +52,12 @@ int _i64tow_s(long long value, char16_t* buffer, std::size_t size, int radix);
 int sscanf(char const* text, char const* format, ...);
 int swscanf(char16_t const* text, char16_t const* format, ...);
 
+// The value of a hexadecimal digit, either case; -1 for any other unit.
+constexpr int HexDigitValue(char16_t c) {
+    return c >= u'0' && c <= u'9'   ? c - u'0'
+           : c >= u'a' && c <= u'f' ? c - u'a' + 10
+           : c >= u'A' && c <= u'F' ? c - u'A' + 10
+                                    : -1;
+}
+
 } // namespace qv::platform

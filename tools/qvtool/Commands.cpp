@@ -45,15 +45,22 @@ json Titled(std::string const& path, FileKind kind, json body) {
 
 KindHandler const* HandlerOf(FileKind kind) {
     switch (kind) {
-    case FileKind::ObjectArchive: return &kObjectArchive;
-    case FileKind::LanguageFile: return &kLanguageFile;
-    case FileKind::StreamArchive: return &kStreamArchive;
+    case FileKind::ObjectArchive:
+        return &kObjectArchive;
+    case FileKind::LanguageFile:
+        return &kLanguageFile;
+    case FileKind::StreamArchive:
+        return &kStreamArchive;
     case FileKind::BinaryProfileAnsi:
     case FileKind::BinaryProfileUnicode:
-    case FileKind::IniProfile: return &kProfile;
-    case FileKind::RegistryFile: return &kRegistryFile;
-    case FileKind::ProfilerLog: return &kProfilerLog;
-    case FileKind::Unknown: break;
+    case FileKind::IniProfile:
+        return &kProfile;
+    case FileKind::RegistryFile:
+        return &kRegistryFile;
+    case FileKind::ProfilerLog:
+        return &kProfilerLog;
+    case FileKind::Unknown:
+        break;
     }
     return nullptr;
 }

@@ -88,10 +88,9 @@ int Export(std::string const& target, std::vector<std::string> const& files) {
 int Merge(std::string const& reference, std::string const& translation, std::string const& target,
           std::string const& pattern) {
     int newEntries = 0;
-    int result = BLanguageMap::MergeMapFiles(WString::FromUtf8(reference),
-                                             WString::FromUtf8(translation),
-                                             WString::FromUtf8(target),
-                                             WString::FromUtf8(pattern), newEntries);
+    int result = BLanguageMap::MergeMapFiles(
+        WString::FromUtf8(reference), WString::FromUtf8(translation), WString::FromUtf8(target),
+        WString::FromUtf8(pattern), newEntries);
     if (result != 0)
         throw Failure{kExitDamaged, "merge of " + reference + " and " + translation +
                                         " failed with code " + std::to_string(result)};

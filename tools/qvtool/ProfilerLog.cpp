@@ -29,7 +29,8 @@ Parse Read(std::string const& path) {
         ++parse.lines;
         std::smatch match;
         if (std::regex_match(text, match, edge) && match[2] == "Start") {
-            parse.runs.push_back({{"start", match[1]}, {"text", match[3]}, {"steps", json::array()}});
+            parse.runs.push_back(
+                {{"start", match[1]}, {"text", match[3]}, {"steps", json::array()}});
             run = &parse.runs.back();
         } else if (std::regex_match(text, match, edge) && run) {
             (*run)["stop"] = match[1];
@@ -57,9 +58,10 @@ json Dump(std::string const& path) {
 json Check(std::string const& path) {
     Parse parse = Read(path);
     if (parse.badLine)
-        return {{"sound", false},
-                {"damage",
-                 {{"line", parse.badLine}, {"reason", "the line is no start, step or stop of a run"}}}};
+        return {
+            {"sound", false},
+            {"damage",
+             {{"line", parse.badLine}, {"reason", "the line is no start, step or stop of a run"}}}};
     return {{"sound", true}, {"runs", parse.runs.size()}};
 }
 

@@ -38,7 +38,8 @@ Walk Objects(std::string const& path, BArchiveInspector const& header) {
 }
 
 json Header(BArchiveInspector const& header) {
-    return {{"name", Utf8(header.StreamName())}, {"format version", header.FormatVersion()},
+    return {{"name", Utf8(header.StreamName())},
+            {"format version", header.FormatVersion()},
             {"file size", header.FileSize()}};
 }
 

@@ -7,7 +7,6 @@
 #include "Language.h"
 
 #include <CLI/CLI.hpp>
-
 #include <cstdio>
 
 namespace {
@@ -40,29 +39,26 @@ void AddLanguageCommands(CLI::App& app, Arguments& args) {
         "import", "imports language files into one map and prints the report of each import");
     import->add_option("FILE", args.files, "language files")->required();
     import->add_flag("--replace", args.replace, "a later file's entry replaces an earlier one");
-    import->callback([&args] { args.status = qvtool::language::Import(args.files, args.replace); });
-    CLI::App* exporter =
-        lang->add_subcommand("export", "imports language files and writes the joined map");
-    exporter->add_option("TARGET", args.target, "the language file to write")->required();
-    exporter->add_option("FILE", args.files, "language files to read")->required();
-    exporter->callback(
-        [&args] { args.status = qvtool::language::Export(args.target, args.files); });
-    CLI::App* merge = lang->add_subcommand(
-        "merge", "joins new reference files with an old translation into a target directory; "
-                 "keys the translation lacks are marked \"new entry!\"");
-    merge->add_option("REFERENCE", args.reference, "directory of the new reference files")
-        ->required();
-    merge->add_option("TRANSLATION", args.translation, "directory of the old translation")
-        ->required();
-    merge->add_option("TARGET", args.target, "directory to write the merged files to")
-        ->required();
-    merge->add_option("--pattern", args.pattern, "which reference files (Windows wildcards)")
-        ->capture_default_str();
-    merge->callback([&args] {
-        args.status =
-            qvtool::language::Merge(args.reference, args.translation, args.target, args.pattern);
-    });
-}
+    import->callback([&args] { args.status = qvtool::language::Import(args.files, args.replace);
+});
+CLI::App* exporter =
+    lang->add_subcommand("export", "imports language files and writes the joined map");
+exporter->add_option("TARGET", args.target, "the language file to write")->required();
+exporter->add_option("FILE", args.files, "language files to read")->required();
+exporter->callback([&args] { args.status = qvtool::language::Export(args.target, args.files); });
+CLI::App* merge = lang->add_subcommand(
+    "merge", "joins new reference files with an old translation into a target directory; "
+             "keys the translation lacks are marked \"new entry!\"");
+merge->add_option("REFERENCE", args.reference, "directory of the new reference files")->required();
+merge->add_option("TRANSLATION", args.translation, "directory of the old translation")->required();
+merge->add_option("TARGET", args.target, "directory to write the merged files to")->required();
+merge->add_option("--pattern", args.pattern, "which reference files (Windows wildcards)")
+    ->capture_default_str();
+merge->callback([&args] {
+    args.status =
+        qvtool::language::Merge(args.reference, args.translation, args.target, args.pattern);
+});
+} // namespace
 
 void AddProfileCommands(CLI::App& app, Arguments& args) {
     CLI::App* profile = app.add_subcommand(
@@ -77,7 +73,8 @@ void AddProfileCommands(CLI::App& app, Arguments& args) {
         command->add_option("SECTION", args.section, "a section");
     }
     get->add_option("KEY", args.key, "a key of the section");
-    get->callback([&args] { args.status = qvtool::profile::Get(args.file, args.section, args.key); });
+    get->callback(
+        [&args] { args.status = qvtool::profile::Get(args.file, args.section, args.key); });
     list->callback([&args] { args.status = qvtool::profile::List(args.file, args.section); });
     CLI::App* set = profile->add_subcommand(
         "set", "writes a value; in a binary profile a number or flag keeps its type");
