@@ -1,5 +1,6 @@
 #include <mutex>
 #include <qv/operations/ReaderSlots.h>
+#include <qv/platform/ProcessWriteBuffers.h>
 #include <thread>
 #include <vector>
 
@@ -42,6 +43,8 @@ struct HandBackAtThreadEnd {
 ReaderSlots* ReaderSlots::OfNewThread() noexcept {
     if (t_threadEnded)
         return nullptr;
+    [[maybe_unused]] static bool const forkHandled =
+        qv::platform::AtFork(&BeforeFork, &AfterForkInParent, &AfterForkInChild);
     thread_local HandBackAtThreadEnd handBack;
     Registry& registry = TheRegistry();
     std::lock_guard const guard(registry.mutex);
@@ -54,6 +57,27 @@ ReaderSlots* ReaderSlots::OfNewThread() noexcept {
     }
     t_readerSlots = handBack.slots;
     return t_readerSlots;
+}
+
+void ReaderSlots::BeforeFork() noexcept {
+    TheRegistry().mutex.lock();
+}
+
+void ReaderSlots::AfterForkInParent() noexcept {
+    TheRegistry().mutex.unlock();
+}
+
+// The child's only thread is the one that forked, which was outside every window. Counts stay
+// as the other threads left them: a read such a thread held stays held in the child, as a
+// mutex it held would.
+void ReaderSlots::AfterForkInChild() noexcept {
+    Registry& registry = TheRegistry();
+    for (ReaderSlots* slots : registry.all) {
+        std::uint64_t const sequence = slots->m_sequence.load(std::memory_order_relaxed);
+        if (sequence & 1)
+            slots->m_sequence.store(sequence + 1, std::memory_order_relaxed);
+    }
+    registry.mutex.unlock();
 }
 
 std::int64_t ReaderSlots::CountOf(void const* lock, std::uint64_t epoch) const noexcept {

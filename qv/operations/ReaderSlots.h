@@ -19,6 +19,10 @@
 // closing thread reads a slot only while its thread is outside one (a seqlock). The slot of a
 // lock is found by its address; a slot that another lock's live count occupies sends the reader
 // to the lock's ordinary path.
+//
+// A fork may catch another thread inside a window, which then never closes in the child; the
+// child closes those windows, and starts with FlushProcessWriteBuffers shut, so that its locks
+// open no new fast paths.
 #pragma once
 
 #include <array>
@@ -50,6 +54,11 @@ private:
 
     static std::size_t IndexOf(void const* lock) noexcept;
     static ReaderSlots* OfNewThread() noexcept;
+    // Keep the tables whole across a fork, and close in the child the windows of the threads
+    // that the child does not have.
+    static void BeforeFork() noexcept;
+    static void AfterForkInParent() noexcept;
+    static void AfterForkInChild() noexcept;
     bool CountInWindow(void const* lock, std::atomic<std::uint64_t> const& epochWord,
                        int delta) noexcept;
     std::int64_t CountOf(void const* lock, std::uint64_t epoch) const noexcept;

@@ -12,6 +12,8 @@
 #include <qv/operations/BAutoTryLockW.h>
 #include <qv/operations/BLockRW.h>
 #include <qv/operations/BSyncableSmartObj.h>
+#include <qv/platform/ProcessWriteBuffers.h>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -240,4 +242,58 @@ TEST(BSyncableSmartObjConcurrent, AnotherThreadCannotTryTheHeldMutex) {
     object.UnlockR();
     EXPECT_TRUE(Finishes(blocked));
     EXPECT_TRUE(in);
+}
+
+// A barrier the kernel refuses after registration must not go unnoticed: the closing writer
+// still gets a barrier, and no lock opens the fast path again. Shutting is for good, so the
+// test runs in a child process.
+TEST(BLockRWConcurrent, AFailedBarrierShutsTheFastPathForGood) {
+    std::string const verdict = RunBounded([] {
+        if (!qv::platform::CanFlushProcessWriteBuffers())
+            return true; // the kernel offers no barrier: the path never opens anyway
+        BLockRW lock;
+        std::atomic<int> inside{0};
+        auto reader = Start([&] {
+            for (int i = 0; i < 20000; ++i) {
+                BAutoLockR read(lock);
+                ++inside;
+                --inside;
+            }
+        });
+        qv::platform::FailNextProcessWriteBufferFlush();
+        bool alone = true;
+        for (int i = 0; i < 200; ++i) {
+            BAutoLockW write(lock);
+            alone = alone && inside.load() == 0;
+        }
+        reader.get();
+        return alone && !qv::platform::CanFlushProcessWriteBuffers();
+    });
+    EXPECT_EQ(verdict, "");
+}
+
+// A fork may catch a reader inside its slot update. The child's writers must not wait for
+// that update, which no thread of the child will finish, and the child opens no fast path.
+TEST(BLockRWConcurrent, AChildForkedAmidFastReadsCanWrite) {
+    BLockRW lock;
+    std::atomic<bool> stop{false};
+    auto reader = Start([&] {
+        while (!stop.load(std::memory_order_relaxed)) {
+            lock.LockR();
+            lock.UnlockR();
+        }
+    });
+    std::string verdict;
+    for (int i = 0; i < 20 && verdict.empty(); ++i)
+        verdict = RunBounded(
+            [&] {
+                // The reader may have held a read at the fork, which then stays held here.
+                if (lock.TryLockW())
+                    lock.UnlockW();
+                return !qv::platform::CanFlushProcessWriteBuffers();
+            },
+            std::chrono::milliseconds(2000));
+    stop = true;
+    reader.get();
+    EXPECT_EQ(verdict, "");
 }

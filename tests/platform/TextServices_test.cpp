@@ -189,10 +189,10 @@ TEST(TextServicesCompare, StrCmpNIWComparesOnlyThePrefixes) {
     EXPECT_EQ(StrCmpNIW(u"\u00C4b", u"\u00E4Bx", 2), 0);
 }
 
-// The rank tables must give exactly ICU's answer (case-blind: on case-folded text), so that a mix of table and ICU answers
-// within one std::map stays a strict weak order. Several locales, because tailorings change
-// what the tables may assume: Danish sorts upper case first, Czech has the contraction "ch",
-// numeric collation orders digit runs by value.
+// The rank tables must give exactly ICU's answer (case-blind: on case-folded text), so that a mix
+// of table and ICU answers within one std::map stays a strict weak order. Several locales, because
+// tailorings change what the tables may assume: Danish sorts upper case first, Czech has the
+// contraction "ch", numeric collation orders digit runs by value.
 TEST(TextServicesCompare, AsciiFastPathGivesIcusAnswer) {
     LocaleGuard guard;
     for (char const* locale : {"", "da", "cs", "en@colNumeric=yes"}) {
@@ -306,7 +306,7 @@ TEST(TextServicesClasses, WideAgreesWithWindows) {
         {u'\xAA', 0, 0, 1, 0},   {u'\xB2', 0, 1, 1, 0},   {u'\xDF', 1, 0, 1, 0},
         {u'\u0660', 0, 1, 1, 0}, {u'\u2074', 0, 0, 0, 0}, {u'\u1680', 0, 0, 0, 1},
         {u'\u200B', 0, 0, 0, 0}, {u'\u3000', 0, 0, 1, 1}, {u'\xD800', 0, 0, 0, 0},
-        {u'\u0301', 0, 0, 0, 0}, {u'\u2160', 1, 0, 1, 0},  {u'\xBC', 0, 0, 1, 0},
+        {u'\u0301', 0, 0, 0, 0}, {u'\u2160', 1, 0, 1, 0}, {u'\xBC', 0, 0, 1, 0},
         {u'\xBD', 0, 0, 1, 0},   {u'\xBE', 0, 0, 1, 0},
     };
     for (Row const& r : rows) {

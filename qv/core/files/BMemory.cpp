@@ -1,5 +1,6 @@
 #include <cstring>
 #include <qv/core/files/BMemory.h>
+#include <qv/platform/ThreadId.h>
 #include <qv/platform/VirtualMemory.h>
 
 using namespace qv::platform;
@@ -7,24 +8,26 @@ using namespace qv::platform;
 BMemory::~BMemory() {
     Lock();
     FreeBuffer();
+    // A critical section must be free when it goes: every hold of this thread is left.
+    m_owner.store(0, std::memory_order_relaxed);
+    for (; m_depth > 0; --m_depth)
+        LeaveCriticalSection(&m_lock);
 }
 
 void BMemory::Lock() {
-    std::unique_lock lock(m_mutex);
-    auto const self = std::this_thread::get_id();
-    m_free.wait(lock, [&] { return m_depth == 0 || m_owner == self; });
-    m_owner = self;
+    EnterCriticalSection(&m_lock);
+    m_owner.store(GetCurrentThreadId(), std::memory_order_relaxed);
     ++m_depth;
 }
 
+// Only the owner finds its own id in m_owner; another thread's view of it may be stale but is
+// never its own id.
 void BMemory::Release() {
-    std::lock_guard lock(m_mutex);
-    if (m_depth == 0 || m_owner != std::this_thread::get_id())
+    if (m_owner.load(std::memory_order_relaxed) != GetCurrentThreadId())
         return;
-    if (--m_depth == 0) {
-        m_owner = {};
-        m_free.notify_one();
-    }
+    if (--m_depth == 0)
+        m_owner.store(0, std::memory_order_relaxed);
+    LeaveCriticalSection(&m_lock);
 }
 
 void BMemory::FreeBuffer() {

@@ -3,9 +3,9 @@
 // buffer only grows, and its pages come from outside the general heap.
 #pragma once
 
-#include <condition_variable>
-#include <mutex>
-#include <thread>
+#include <atomic>
+#include <cstdint>
+#include <qv/platform/CriticalSection.h>
 
 class BMemory {
 public:
@@ -35,10 +35,9 @@ private:
     void* m_buffer = nullptr;
     unsigned long long m_size = 0;
 
-    // A critical section: recursive for its owner, and a Release by another thread is ignored
-    // rather than undefined. To be replaced by the platform's critical section once it exists.
-    std::mutex m_mutex;
-    std::condition_variable m_free;
-    std::thread::id m_owner;
+    // Recursive for its owner. The owner's id and depth let a Release by another thread be
+    // ignored, where leaving a critical section one is not inside would be undefined.
+    qv::platform::CRITICAL_SECTION m_lock;
+    std::atomic<std::uint32_t> m_owner{0};
     unsigned m_depth = 0;
 };
