@@ -36,8 +36,6 @@ TEST(BUnit, EachDisplayUnitConvertsAndFormatsAndComesBack) {
          "1.2", "1.23456"},
         {"inches", [](BUnitSystem& s) { s.ChangeUnit(UnitInch); }, UnitClassLength, "\"", 25.4, 1.0,
          "1.0000", 2, "1.00", "1"},
-        {"inches of a long value", [](BUnitSystem& s) { s.ChangeUnit(UnitInch); }, UnitClassLength,
-         "\"", 100.0, 3.937007874015748, "3.9370", 6, "3.937008", "3.93700787"},
         {"thou", [](BUnitSystem& s) { s.ChangeUnit(UnitThou); }, UnitClassLength, "Thou", 25.4,
          1000.0, "1000.0", 0, "1000", "1000"},
         {"area stays in mm² under inches", [](BUnitSystem& s) { s.ChangeUnit(UnitInch); },
@@ -73,9 +71,6 @@ TEST(BUnit, EachDisplayUnitConvertsAndFormatsAndComesBack) {
         double const step = std::pow(10.0, -unit.Precision()) / 2;
         EXPECT_NEAR(unit.Convert(unit.Revert(unit.Format(row.internal, -1))), row.display,
                     step * 1.000001);
-        // The text forms of Convert and Format go through the number forms.
-        EXPECT_DOUBLE_EQ(unit.Convert(WString(u"2")), unit.Convert(2.0));
-        EXPECT_EQ(unit.Format(u"2", -1), unit.Format(2.0, -1));
     }
 }
 
