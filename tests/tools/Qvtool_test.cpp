@@ -97,6 +97,57 @@ TEST_F(Qvtool, CheckNamesTheFirstBadRecord) {
     EXPECT_EQ(verdict["damage"]["offset"], records[1]["offset"]);
 }
 
+// One file of each other kind, written by the library itself.
+TEST_F(Qvtool, EveryKindIsToldByItsContentAndDumpsAsJson) {
+    auto wide = [this](char const* name) { return WString::FromUtf8((m_dir / name).string()); };
+    {
+        SP<BNode> head = new BNode;
+        head->SetText(u"Head");
+        BOStreamArchive stream(wide("a.stream"), WString(u"Head"));
+        stream.Insert(head, "head");
+    }
+    {
+        BBinProfile profile(wide("b.bin"), kProfileNew);
+        profile.WriteInt(u"Gain", 5);
+    }
+    BProfile::WriteString(wide("c.ini"), u"Current", u"Vendor", u"Quorvel");
+    BLanguageMap texts;
+    texts.Add(u"$IDS_Scan", u"Scan", u"Messung", true, true);
+    texts.ExportMapFile(wide("d.txt"));
+    BConfigRegistry::SetStoreDirectory(WString::FromUtf8(m_dir.string()));
+    BConfigRegistry(WString(u"Software\\Qvtool")).WriteString(u"Name", u"x");
+    BConfigRegistry::SetStoreDirectory(WString());
+    struct Case {
+        char const* file;
+        char const* kind;
+        char const* dumped; // a text the JSON dump must hold
+    } const cases[] = {
+        {"a.stream", "stream archive", "Head"},
+        {"b.bin", "binary profile (Unicode form)", "gain"},
+        {"c.ini", "ini or text profile", "Quorvel"},
+        {"d.txt", "language file", "Messung"},
+        {"HKEY_CURRENT_USER.reg", "registry store file", "Qvtool"},
+    };
+    for (Case const& c : cases) {
+        std::string file = (m_dir / c.file).string();
+        Outcome info = Call("info --json " + file);
+        ASSERT_EQ(info.status, 0) << c.file << ": " << info.err;
+        EXPECT_EQ(nlohmann::json::parse(info.out)["kind"], c.kind) << c.file;
+        Outcome dump = Call("dump --json " + file);
+        EXPECT_EQ(dump.status, 0) << c.file;
+        EXPECT_NE(nlohmann::json::parse(dump.out).dump().find(c.dumped), std::string::npos)
+            << c.file;
+        EXPECT_EQ(Call("check " + file).status, 0) << c.file;
+    }
+    Outcome get = Call("profile get " + (m_dir / "b.bin").string() + " default GAIN");
+    EXPECT_EQ(get.out, "5\n");
+    EXPECT_EQ(Call("profile set " + (m_dir / "c.ini").string() + " Current Vendor Acme").status, 0);
+    EXPECT_EQ(Call("profile get " + (m_dir / "c.ini").string() + " Current Vendor").out, "Acme\n");
+    EXPECT_EQ(Call("sha1 " + (m_dir / "b.bin").string()).out.size(),
+              42 + (m_dir / "b.bin").string().size() + 1);
+    EXPECT_EQ(Call("guid").out.size(), 37u);
+}
+
 TEST_F(Qvtool, UsageErrorsAndForeignFiles) {
     struct Case {
         char const* name;
