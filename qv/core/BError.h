@@ -5,8 +5,9 @@
 #pragma once
 
 #include <qv/core/BSmartObj.h>
+#include <qv/core/Export.h>
 
-class BError : public BSmartObj {
+class QV_EXPORT BError : public BSmartObj {
 public:
     explicit BError(int code = 0);
     BError(int code, char16_t const* a0, char16_t const* a1 = nullptr, char16_t const* a2 = nullptr,

@@ -9,9 +9,10 @@
 #pragma once
 
 #include <qv/core/BSmartObj.h>
+#include <qv/core/Export.h>
 #include <qv/core/SP.h>
 
-class BProgressManager : public BSmartObj {
+class QV_EXPORT BProgressManager : public BSmartObj {
 public:
     QV_DECLARE_CLASSNAME(BProgressManager)
 

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstring>
 #include <qv/core/BSmartObj.h>
+#include <qv/core/Export.h>
 #include <qv/persistence/BReadObjCallbackMap.h>
 #include <string_view>
 #include <type_traits>
@@ -22,7 +23,7 @@ static_assert(std::endian::native == std::endian::little,
 // and the archive's header check catch it and count the file as invalid.
 enum ARCHIVE_EXCEPTION { ARCHIVE_BAD_STRING = 1 };
 
-class BArchive : public BSmartObj {
+class QV_EXPORT BArchive : public BSmartObj {
 public:
     enum MODE { READ = 0, WRITE = 1 };
 

@@ -5,9 +5,10 @@
 
 #include <condition_variable>
 #include <mutex>
+#include <qv/core/Export.h>
 #include <thread>
 
-class BMemory {
+class QV_EXPORT BMemory {
 public:
     BMemory() = default;
     // Waits for the lock and gives the buffer back.

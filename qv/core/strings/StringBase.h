@@ -14,7 +14,8 @@
 #include <cstdarg>
 #include <cstdint>
 #include <cstdio>
-#include <qv/core/strings/StringTraits.h>
+#include <qv/core/Export.h>
+#include <qv/core/strings/internal/StringTraits.h>
 #include <string_view>
 #include <type_traits>
 
@@ -30,10 +31,13 @@ struct SharedString {
 using SharedBString = SharedString<char>;
 using SharedWString = SharedString<char16_t>;
 
+// Exported as a template, so that both explicit instantiations in StringBase.cpp (the one
+// definition of every operation the twins share) leave the library: an attribute on the
+// instantiations themselves would come too late, after WString and BString have named them.
 template <class S, class Unit>
-class StringBase {
+class QV_EXPORT StringBase {
 public:
-    using Traits = StringTraits<Unit>;
+    using Traits = qv::detail::StringTraits<Unit>;
     using CharArg = typename Traits::CharArg;
     using size_type = unsigned long long;
 
