@@ -1,12 +1,16 @@
-// Everything the library exports. Modules of the application include this one header.
+/// \file
+/// The public interface of the library: every public header, and only those. Modules of the
+/// application include this one header. Headers under internal/ folders and the platform
+/// headers that public headers need come in through the headers below; private headers never
+/// do (docs/headers.md).
 #pragma once
 
 #include <qv/portable/BSmartObjBase.h>
 
 #include <qv/core/BError.h>
-#include <qv/core/Export.h>
 #include <qv/core/BSmartObj.h>
 #include <qv/core/ClassNameRegistry.h>
+#include <qv/core/Export.h>
 #include <qv/core/GetLastErrorMessage.h>
 #include <qv/core/Narrowing.h>
 #include <qv/core/SP.h>
@@ -22,7 +26,6 @@
 #include <qv/core/files/BMemory.h>
 #include <qv/core/strings/BString.h>
 #include <qv/core/strings/StringBase.h>
-#include <qv/core/strings/StringTraits.h>
 #include <qv/core/strings/WString.h>
 
 #include <qv/persistence/BArchive.h>
@@ -33,15 +36,6 @@
 #include <qv/persistence/BReadObjCallbackMap.h>
 #include <qv/persistence/Tupel.h>
 
-#include <qv/profiles/BBinProfile.h>
-#include <qv/profiles/BCamProfile.h>
-#include <qv/profiles/BConfig.h>
-#include <qv/profiles/BConfigRegistry.h>
-#include <qv/profiles/BVarMemBlock.h>
-#include <qv/profiles/BVariant.h>
-#include <qv/profiles/OpenProfile.h>
-#include <qv/profiles/TVariant.h>
-
 #include <qv/tree/BAttribute.h>
 #include <qv/tree/BBank.h>
 #include <qv/tree/BNode.h>
@@ -50,15 +44,23 @@
 #include <qv/tree/BNodeChildItr.h>
 #include <qv/tree/BNodeItr.h>
 #include <qv/tree/BVisitor.h>
-#include <qv/tree/NodeListItr.h>
 
+#include <qv/profiles/BBinProfile.h>
+#include <qv/profiles/BCamProfile.h>
+#include <qv/profiles/BConfig.h>
+#include <qv/profiles/BConfigRegistry.h>
 #include <qv/profiles/BIniProfile.h>
 #include <qv/profiles/BProfile.h>
 #include <qv/profiles/BProfileBase.h>
 #include <qv/profiles/BProfileMap.h>
 #include <qv/profiles/BSensorProfile.h>
+#include <qv/profiles/BVarMemBlock.h>
+#include <qv/profiles/BVariant.h>
 #include <qv/profiles/EProfileMode.h>
 #include <qv/profiles/IProfile.h>
+#include <qv/profiles/OpenProfile.h>
+#include <qv/profiles/TVariant.h>
+
 #include <qv/language/BLanguageMap.h>
 #include <qv/language/BResId.h>
 #include <qv/language/QVTl.h>
@@ -92,7 +94,12 @@
 #include <qv/operations/LoggerInterface.h>
 #include <qv/operations/MessageNumbers.h>
 #include <qv/operations/QVPost.h>
-#include <qv/operations/ReaderSlots.h>
+
+#include <qv/memory/CMemoryBlock.h>
+#include <qv/memory/CMemoryBlockManager.h>
+#include <qv/memory/CStdMemoryBlock.h>
+#include <qv/memory/CStdMemoryManager.h>
+#include <qv/memory/QVAlloc.h>
 
 #include <qv/measures/B2DArrayBase.h>
 #include <qv/measures/BBitArray.h>
@@ -111,42 +118,11 @@
 #include <qv/measures/BSha1.h>
 #include <qv/measures/BSize.h>
 #include <qv/measures/BStopWatch.h>
-#include <qv/measures/Date.h>
-#include <qv/measures/Time.h>
-#include <qv/memory/CMemoryBlock.h>
-#include <qv/memory/CMemoryBlockManager.h>
-#include <qv/memory/CStdMemoryBlock.h>
-#include <qv/memory/CStdMemoryManager.h>
-#include <qv/memory/QVAlloc.h>
-
 #include <qv/measures/BUnit.h>
 #include <qv/measures/BUnitSystem.h>
+#include <qv/measures/Date.h>
 #include <qv/measures/EUnit.h>
 #include <qv/measures/EUnitClass.h>
+#include <qv/measures/Time.h>
 
-#include <qv/platform/CodePage.h>
-#include <qv/platform/CriticalSection.h>
-#include <qv/platform/FileSeek.h>
-#include <qv/platform/FileStream.h>
-#include <qv/platform/FileSystem.h>
-#include <qv/platform/Futex.h>
-#include <qv/platform/ManualResetEvent.h>
-#include <qv/platform/PathText.h>
-#include <qv/platform/PrivateProfile.h>
-#include <qv/platform/ProcessMemory.h>
-#include <qv/platform/ProcessWriteBuffers.h>
-#include <qv/platform/SlimRWLock.h>
-#include <qv/platform/StringResources.h>
-#include <qv/platform/SystemError.h>
-#include <qv/platform/SystemTime.h>
-#include <qv/platform/TextServices.h>
-#include <qv/platform/ThreadId.h>
-#include <qv/platform/ThreadLocalStorage.h>
-#include <qv/platform/ThreadName.h>
-#include <qv/platform/TickCount.h>
-#include <qv/platform/VirtualMemory.h>
-#include <qv/platform/WideFormat.h>
-#include <qv/platform/WideNumbers.h>
-#include <qv/platform/WideStream.h>
-#include <qv/platform/WindowMessages.h>
 #include <qv/platform/WindowsTypes.h>

@@ -4,3 +4,5 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/common.sh
 cmake --workflow --preset test
+# The shared library must export the interface only.
+scripts/check-exports.sh build/dev/libqvcore.so

@@ -5,8 +5,9 @@
 #pragma once
 
 #include <qv/core/BSmartObj.h>
+#include <qv/core/Export.h>
 
-class BError : public BSmartObj {
+class QV_EXPORT BError : public BSmartObj {
 public:
     // Converts from a bare code, so that a code can stand wherever an error is expected.
     BError(int code = 0);

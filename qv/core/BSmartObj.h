@@ -5,6 +5,7 @@
 
 #include <concepts>
 #include <qv/core/ClassNameRegistry.h>
+#include <qv/core/Export.h>
 #include <qv/core/SP.h>
 #include <qv/core/strings/BString.h>
 #include <qv/core/strings/WString.h>
@@ -12,7 +13,7 @@
 
 class BArchive;
 
-class BSmartObj : public BSmartObjBase {
+class QV_EXPORT BSmartObj : public BSmartObjBase {
 public:
     QV_DECLARE_CLASSNAME(BSmartObj)
 

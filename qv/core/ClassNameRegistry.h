@@ -5,9 +5,10 @@
 // of an object's dynamic type by its type_info.
 #pragma once
 
+#include <qv/core/Export.h>
 #include <typeinfo>
 
-class ClassNameRegistry {
+class QV_EXPORT ClassNameRegistry {
 public:
     // Enters a class; the first registration of a type wins. Returns true so that it can
     // initialise a static.

@@ -3,9 +3,11 @@
 // over-long string fails instead of writing a wrong length.
 #pragma once
 
-int Sizet_int(unsigned long long value);
-unsigned int Sizet_uint(unsigned long long value);
-unsigned char Sizet_byte(unsigned long long value);
-int Longptr_int(long long value);
+#include <qv/core/Export.h>
+
+QV_EXPORT int Sizet_int(unsigned long long value);
+QV_EXPORT unsigned int Sizet_uint(unsigned long long value);
+QV_EXPORT unsigned char Sizet_byte(unsigned long long value);
+QV_EXPORT int Longptr_int(long long value);
 // Accepts what a signed 32-bit number gives when widened with its sign, and 0 to 2^31 - 1.
-int Dwordptr_int(unsigned long long value);
+QV_EXPORT int Dwordptr_int(unsigned long long value);

@@ -4,11 +4,12 @@
 // and the registered object: the library passes them on untouched.
 #pragma once
 
+#include <qv/core/Export.h>
 #include <qv/core/SP.h>
 #include <qv/core/strings/WString.h>
 #include <qv/operations/BSyncableSmartObj.h>
 
-class BCommandExecutionInterface : public virtual BSyncableSmartObj {
+class QV_EXPORT BCommandExecutionInterface : public virtual BSyncableSmartObj {
 public:
     QV_DECLARE_CLASSNAME(BCommandExecutionInterface)
 
@@ -20,8 +21,8 @@ public:
 
 // Replaces the registered object; null returns to having none. The library keeps one
 // reference until it is unloaded or the object is replaced. No lock: register at start-up.
-void RegisterCommandExecution(BCommandExecutionInterface* commandExecution);
+QV_EXPORT void RegisterCommandExecution(BCommandExecutionInterface* commandExecution);
 // A new reference to the registered object, or null.
-SP<BCommandExecutionInterface> CommandExecutionInstance();
+QV_EXPORT SP<BCommandExecutionInterface> CommandExecutionInstance();
 // The registered object's answer, or BCommandExecutionInterface::kNotRegistered (13004).
-int ExecuteCommand(WString command, bool flag, unsigned long value, void* data);
+QV_EXPORT int ExecuteCommand(WString command, bool flag, unsigned long value, void* data);

@@ -5,9 +5,10 @@
 #pragma once
 
 #include <qv/core/BSmartObj.h>
+#include <qv/core/Export.h>
 #include <qv/platform/CriticalSection.h>
 
-class BCriticalSection : public BSmartObj {
+class QV_EXPORT BCriticalSection : public BSmartObj {
 public:
     QV_DECLARE_CLASSNAME(BCriticalSection)
 

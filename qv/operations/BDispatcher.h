@@ -9,11 +9,12 @@
 #pragma once
 
 #include <qv/core/BSmartObj.h>
+#include <qv/core/Export.h>
 #include <qv/core/SP.h>
 
 class BMessageReceiver;
 
-class BDispatcher : public BSmartObj {
+class QV_EXPORT BDispatcher : public BSmartObj {
 public:
     QV_DECLARE_CLASSNAME(BDispatcher)
 

@@ -1,6 +1,6 @@
 #include <climits>
 #include <qv/operations/BLockRW.h>
-#include <qv/operations/ReaderSlots.h>
+#include <qv/operations/private/ReaderSlots.h>
 #include <qv/platform/Futex.h>
 #include <qv/platform/ProcessWriteBuffers.h>
 #include <qv/platform/ThreadId.h>

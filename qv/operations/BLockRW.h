@@ -59,11 +59,12 @@
 
 #include <atomic>
 #include <cstdint>
+#include <qv/core/Export.h>
 #include <qv/operations/BSyncableInterface.h>
 #include <qv/platform/ManualResetEvent.h>
 #include <qv/platform/SlimRWLock.h>
 
-class BLockRW : public BSyncableInterface {
+class QV_EXPORT BLockRW : public BSyncableInterface {
 public:
     QV_DECLARE_CLASSNAME(BLockRW)
 

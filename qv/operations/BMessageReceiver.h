@@ -2,7 +2,8 @@
 // declares the interface for the application's dispatchers and never calls it itself.
 #pragma once
 
-class BMessageReceiver {
+#include <qv/core/Export.h>
+class QV_EXPORT BMessageReceiver {
 public:
     BMessageReceiver() = default;
     BMessageReceiver(BMessageReceiver const&) = default;

@@ -6,8 +6,9 @@
 #pragma once
 
 #include <qv/core/BSmartObj.h>
+#include <qv/core/Export.h>
 
-class BSyncableInterface : public virtual BSmartObj {
+class QV_EXPORT BSyncableInterface : public virtual BSmartObj {
 public:
     QV_DECLARE_CLASSNAME(BSyncableInterface)
 

@@ -5,9 +5,10 @@
 #pragma once
 
 #include <mutex>
+#include <qv/core/Export.h>
 #include <qv/operations/BSyncableInterface.h>
 
-class BSyncableSmartObj : public BSyncableInterface {
+class QV_EXPORT BSyncableSmartObj : public BSyncableInterface {
 public:
     QV_DECLARE_CLASSNAME(BSyncableSmartObj)
 

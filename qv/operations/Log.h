@@ -8,19 +8,21 @@
 // cut. No heap memory is used before the sink gets the text.
 #pragma once
 
+#include <qv/core/Export.h>
 #include <qv/operations/ELog.h>
 #include <qv/operations/LoggerInterface.h>
 
 namespace Qv {
 
-void Log(char16_t const* source, ELog level, char16_t const* context, char16_t const* format, ...);
+QV_EXPORT void Log(char16_t const* source, ELog level, char16_t const* context,
+                   char16_t const* format, ...);
 // The same with a null source.
-void Log(ELog level, char16_t const* context, char16_t const* format, ...);
+QV_EXPORT void Log(ELog level, char16_t const* context, char16_t const* format, ...);
 
 // Installs the sink in place of the previous one, which is forgotten, not told. Not owned.
-void RegisterLoggerInterface(LoggerInterface* sink);
+QV_EXPORT void RegisterLoggerInterface(LoggerInterface* sink);
 // Clears the slot if sink is the registered one (true); otherwise changes nothing (false).
 // Waits for a Write in progress, so the sink may be destroyed once this returns.
-bool UnregisterLoggerInterface(LoggerInterface* sink);
+QV_EXPORT bool UnregisterLoggerInterface(LoggerInterface* sink);
 
 } // namespace Qv

@@ -3,12 +3,13 @@
 #pragma once
 
 #include <map>
+#include <qv/core/Export.h>
 #include <qv/core/strings/WString.h>
 #include <utility>
 
 namespace Qv {
 
-class LogItem {
+class QV_EXPORT LogItem {
 public:
     LogItem() = default;
     LogItem(LogItem const&) = default;

@@ -4,11 +4,12 @@
 // register, unregister or destroy itself from inside Write.
 #pragma once
 
+#include <qv/core/Export.h>
 #include <qv/operations/ELog.h>
 
 namespace Qv {
 
-class LoggerInterface {
+class QV_EXPORT LoggerInterface {
 public:
     // Takes the sink out of service if it is the registered one.
     virtual ~LoggerInterface();

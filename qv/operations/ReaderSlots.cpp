@@ -1,5 +1,5 @@
 #include <mutex>
-#include <qv/operations/ReaderSlots.h>
+#include <qv/operations/private/ReaderSlots.h>
 #include <qv/platform/ProcessWriteBuffers.h>
 #include <thread>
 #include <vector>

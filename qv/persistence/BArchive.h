@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstring>
 #include <qv/core/BSmartObj.h>
+#include <qv/core/Export.h>
 #include <qv/persistence/BReadObjCallbackMap.h>
 #include <string_view>
 #include <type_traits>
@@ -24,7 +25,7 @@ enum ARCHIVE_EXCEPTION { ARCHIVE_BAD_STRING = 1 };
 
 class BIStreamArchive;
 
-class BArchive : public BSmartObj {
+class QV_EXPORT BArchive : public BSmartObj {
 public:
     enum MODE { READ = 0, WRITE = 1 };
 

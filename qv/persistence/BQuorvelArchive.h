@@ -6,9 +6,10 @@
 #pragma once
 
 #include <memory>
+#include <qv/core/Export.h>
 #include <qv/persistence/BArchive.h>
 
-class BQuorvelArchive : public BArchive {
+class QV_EXPORT BQuorvelArchive : public BArchive {
 public:
     QV_DECLARE_CLASSNAME(BQuorvelArchive)
 

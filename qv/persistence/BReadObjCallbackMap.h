@@ -3,6 +3,7 @@
 // initialisers, which is why the table has a fixed size and registering allocates nothing.
 #pragma once
 
+#include <qv/core/Export.h>
 #include <qv/core/SP.h>
 
 class BArchive;
@@ -13,7 +14,7 @@ namespace NArchive {
 // Builds an object from the archive positioned behind its prefix, for the stored version.
 using ReadFunction = SP<BSmartObj> (*)(BArchive& archive, int version);
 
-class BReadObjCallbackMap {
+class QV_EXPORT BReadObjCallbackMap {
 public:
     static constexpr int kCapacity = 512;
     static constexpr int kNameSize = 128; // with the terminator
@@ -38,4 +39,4 @@ private:
 
 } // namespace NArchive
 
-void RegisterArchiveCallback(char const* className, NArchive::ReadFunction read);
+QV_EXPORT void RegisterArchiveCallback(char const* className, NArchive::ReadFunction read);

@@ -5,8 +5,9 @@
 
 #include <atomic>
 #include <cstdint>
+#include <qv/core/Export.h>
 
-class BSmartObjBase {
+class QV_EXPORT BSmartObjBase {
 public:
     BSmartObjBase() noexcept : m_unique_id(NextUniqueID()) {}
     // A copy is a new object: it gets a count of 0 and a fresh number of its own.

@@ -4,8 +4,9 @@
 #pragma once
 
 #include <qv/core/BSmartObj.h>
+#include <qv/core/Export.h>
 
-class BAttribute : public virtual BSmartObj {
+class QV_EXPORT BAttribute : public virtual BSmartObj {
 public:
     BAttribute() = default;
     BAttribute(BAttribute const&) : BSmartObj() {}

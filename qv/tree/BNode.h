@@ -5,13 +5,18 @@
 #pragma once
 
 #include <qv/core/BSmartObj.h>
+#include <qv/core/Export.h>
 #include <qv/core/containers/DList.h>
 #include <qv/tree/BAttribute.h>
 #include <unordered_set>
 
 class BVisitor;
+namespace qv::detail {
+template <class T>
+class NodeListItr;
+}
 
-class BNode : public BSmartObj {
+class QV_EXPORT BNode : public BSmartObj {
 public:
     QV_DECLARE_CLASSNAME(BNode)
 
@@ -93,7 +98,7 @@ public:
 private:
     friend class BNodeChildItr;
     template <class T>
-    friend class NodeListItr;
+    friend class qv::detail::NodeListItr;
 
     // The deep copy that Copy makes of each child; announce false keeps a snapshot silent.
     BNode(BNode const& other);

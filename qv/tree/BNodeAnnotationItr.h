@@ -1,10 +1,11 @@
 // BNodeAnnotationItr: walks the annotations of one node; RemoveCurrent removes while walking.
 #pragma once
 
+#include <qv/core/Export.h>
 #include <qv/tree/BNode.h>
-#include <qv/tree/NodeListItr.h>
+#include <qv/tree/internal/NodeListItr.h>
 
-class BNodeAnnotationItr : public NodeListItr<BSmartObj> {
+class QV_EXPORT BNodeAnnotationItr : public qv::detail::NodeListItr<BSmartObj> {
 public:
     explicit BNodeAnnotationItr(BNode& node) : NodeListItr(node.Annotations()), m_node(&node) {}
     // Unlinks the annotation, stands on the next, then the node announces the change.

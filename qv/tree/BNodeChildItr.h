@@ -2,10 +2,11 @@
 // a child while walking.
 #pragma once
 
+#include <qv/core/Export.h>
 #include <qv/tree/BNode.h>
-#include <qv/tree/NodeListItr.h>
+#include <qv/tree/internal/NodeListItr.h>
 
-class BNodeChildItr : public NodeListItr<BNode> {
+class QV_EXPORT BNodeChildItr : public qv::detail::NodeListItr<BNode> {
 public:
     explicit BNodeChildItr(BNode const& node) : NodeListItr(node.Children()) {}
     // Announces the removal, clears the child's parent, unlinks it and stands on the next.

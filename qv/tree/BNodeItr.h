@@ -3,9 +3,10 @@
 // holds the root and the current node, so neither can vanish under it.
 #pragma once
 
+#include <qv/core/Export.h>
 #include <qv/tree/BNode.h>
 
-class BNodeItr {
+class QV_EXPORT BNodeItr {
 public:
     enum EMode { ALL_NODES = 0, ACTIVE_NODES = 1 };
 

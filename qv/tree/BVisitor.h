@@ -3,11 +3,12 @@
 #pragma once
 
 #include <qv/core/BSmartObj.h>
+#include <qv/core/Export.h>
 
 class BAttribute;
 class BNode;
 
-class BVisitor : public BSmartObj {
+class QV_EXPORT BVisitor : public BSmartObj {
 public:
     // The library stores and copies the mode and never looks at it: its values belong to
     // derived visitors.

@@ -4,12 +4,13 @@
 #pragma once
 
 #include <cstdint>
+#include <qv/core/Export.h>
 #include <qv/core/SP.h>
 
 class WString;
 class BString;
 
-class BDictionaryItemBase {
+class QV_EXPORT BDictionaryItemBase {
 public:
     virtual unsigned long long Hash() const = 0;
 

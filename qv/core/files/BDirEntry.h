@@ -3,9 +3,10 @@
 // '/' and '\' are read as separators; the separator this class writes is '/'.
 #pragma once
 
+#include <qv/core/Export.h>
 #include <qv/core/strings/WString.h>
 
-class BDirEntry {
+class QV_EXPORT BDirEntry {
 public:
     BDirEntry() = default;
     BDirEntry(WString path) : m_path(std::move(path)) {}

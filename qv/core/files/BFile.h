@@ -4,10 +4,11 @@
 #pragma once
 
 #include <cstdio>
+#include <qv/core/Export.h>
 #include <qv/core/strings/WString.h>
 #include <utility>
 
-class BFile {
+class QV_EXPORT BFile {
 public:
     static constexpr int kFileError = 31825;        // "$ERR_FILE_ERROR"
     static constexpr int kShortPathNameExt = 32987; // "$ERR_SHORT_PATHNAME_EXT"

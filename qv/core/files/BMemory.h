@@ -5,9 +5,10 @@
 
 #include <atomic>
 #include <cstdint>
+#include <qv/core/Export.h>
 #include <qv/platform/CriticalSection.h>
 
-class BMemory {
+class QV_EXPORT BMemory {
 public:
     BMemory() = default;
     // Waits for the lock and gives the buffer back.

@@ -4,9 +4,10 @@
 
 #include <concepts>
 #include <iosfwd>
+#include <qv/core/Export.h>
 #include <qv/core/strings/StringBase.h>
 
-class BString : public StringBase<BString, char> {
+class QV_EXPORT BString : public StringBase<BString, char> {
 public:
     using StringBase::StringBase;
     using StringBase::operator=;

@@ -30,6 +30,14 @@ bool InSet(Unit const* set, Unit c) {
     return false;
 }
 
+// The capacity of a block that must hold needed units, growing one of the given capacity: at
+// least double, so that a string built piece by piece costs a constant amount per unit. The
+// spare room is not observable: AllocatedMemory counts the length, not the capacity.
+std::uint64_t GrownCapacity(std::uint64_t capacity, std::uint64_t needed) {
+    constexpr std::uint64_t kMinCapacity = 32;
+    return std::max({needed, 2 * capacity, kMinCapacity});
+}
+
 } // namespace
 
 // ---- blocks ---------------------------------------------------------------------------------
@@ -106,8 +114,7 @@ void StringBase<S, Unit>::Unshare() {
 template <class S, class Unit>
 Unit* StringBase<S, Unit>::TailRoom(size_type length, size_type n) {
     if (length + n > m_block->capacity)
-        Reset(CreateShared(m_block->Text(), length,
-                           std::max<size_type>(length + n, 2 * m_block->capacity)));
+        Reset(CreateShared(m_block->Text(), length, GrownCapacity(m_block->capacity, length + n)));
     return m_block->Text() + length;
 }
 
@@ -199,7 +206,27 @@ void StringBase<S, Unit>::Fill(size_type n, Unit c) {
     Reset(b);
 }
 
+template <class S, class Unit>
+auto StringBase<S, Unit>::Length() const -> size_type {
+    return m_block ? Traits::Length(m_block->Text()) : 0;
+}
+
 // ---- comparison -----------------------------------------------------------------------------
+
+template <class S, class Unit>
+bool StringBase<S, Unit>::Less(Unit const* a, Unit const* b) {
+    return Traits::Less(a, b);
+}
+
+template <class S, class Unit>
+int StringBase<S, Unit>::Cmp(Unit const* text) const {
+    return Traits::Cmp(CStr(), text ? text : EmptyText());
+}
+
+template <class S, class Unit>
+int StringBase<S, Unit>::ICmp(Unit const* text) const {
+    return Traits::ICmp(CStr(), text ? text : EmptyText());
+}
 
 template <class S, class Unit>
 bool StringBase<S, Unit>::Equal(S const& other) const {
@@ -512,27 +539,25 @@ S& StringBase<S, Unit>::Append(Unit const* text) {
     size_type n = Traits::Length(text);
     Unshare();
     size_type len = Traits::Length(m_block->Text());
-    if (len + n < m_block->capacity) {
-        CopyUnits(m_block->Text() + len, text, n);
-        m_block->Text()[len + n] = 0;
+    if (len + n > m_block->capacity) {
+        // text may lie in this very block, so the grown block is filled before this one goes.
+        Block* b = CreateShared(m_block->Text(), len, GrownCapacity(m_block->capacity, len + n));
+        CopyUnits(b->Text() + len, text, n);
+        b->Text()[len + n] = 0;
+        Reset(b);
         return Self();
     }
-    // Exact growth: text appended piece by piece costs one allocation a piece.
-    Block* b = CreateShared(m_block->Text(), len, len + n + 1);
-    CopyUnits(b->Text() + len, text, n);
-    b->Text()[len + n] = 0;
-    Reset(b);
+    CopyUnits(m_block->Text() + len, text, n);
+    m_block->Text()[len + n] = 0;
     return Self();
 }
 
 template <class S, class Unit>
 S& StringBase<S, Unit>::Append(Unit c) {
     Unshare();
-    size_type len = Traits::Length(m_block->Text());
-    if (len + 1 >= m_block->capacity)
-        Reset(CreateShared(m_block->Text(), len, len + 64));
-    m_block->Text()[len] = c;
-    m_block->Text()[len + 1] = 0;
+    Unit* tail = TailRoom(Traits::Length(m_block->Text()), 1);
+    tail[0] = c;
+    tail[1] = 0;
     return Self();
 }
 
@@ -577,7 +602,7 @@ S& StringBase<S, Unit>::Insert(Unit c, size_type pos) {
     size_type len = Length();
     if (pos >= len)
         return Self();
-    Append(c); // grows by the rule of appending one character
+    Append(c); // a placeholder at the end, which the move below overwrites
     Unit* text = m_block->Text();
     CopyUnits(text + pos + 1, text + pos, len - pos);
     text[pos] = c;

@@ -14,7 +14,8 @@
 #include <cstdarg>
 #include <cstdint>
 #include <cstdio>
-#include <qv/core/strings/StringTraits.h>
+#include <qv/core/Export.h>
+#include <qv/core/strings/internal/StringTraits.h>
 #include <string_view>
 #include <type_traits>
 
@@ -30,10 +31,13 @@ struct SharedString {
 using SharedBString = SharedString<char>;
 using SharedWString = SharedString<char16_t>;
 
+// Exported as a template, so that both explicit instantiations in StringBase.cpp (the one
+// definition of every operation the twins share) leave the library: an attribute on the
+// instantiations themselves would come too late, after WString and BString have named them.
 template <class S, class Unit>
-class StringBase {
+class QV_EXPORT StringBase {
 public:
-    using Traits = StringTraits<Unit>;
+    using Traits = qv::detail::StringTraits<Unit>;
     using CharArg = typename Traits::CharArg;
     using size_type = unsigned long long;
 
@@ -50,7 +54,7 @@ public:
     S& operator=(Unit const* text);
 
     void Clear() noexcept;
-    size_type Length() const { return m_block ? Traits::Length(m_block->Text()) : 0; }
+    size_type Length() const;
     bool IsEmpty() const { return !m_block || m_block->Text()[0] == 0; }
     Unit const* CStr() const { return m_block ? m_block->Text() : EmptyText(); }
     Unit const* CStr(size_type pos) const { return m_block ? m_block->Text() + pos : nullptr; }
@@ -67,11 +71,11 @@ public:
     // a == b is an equally good candidate and C++20 calls the comparison ambiguous.
     friend bool operator==(S const& a, S const& b) { return a.Equal(b); }
     friend bool operator==(S const& a, Unit const* text) { return a.Equal(text); }
-    friend bool operator<(S const& a, S const& b) { return Traits::Less(a.CStr(), b.CStr()); }
-    int Cmp(S const& other) const { return Traits::Cmp(CStr(), other.CStr()); }
-    int Cmp(Unit const* text) const { return Traits::Cmp(CStr(), text ? text : EmptyText()); }
-    int ICmp(S const& other) const { return Traits::ICmp(CStr(), other.CStr()); }
-    int ICmp(Unit const* text) const { return Traits::ICmp(CStr(), text ? text : EmptyText()); }
+    friend bool operator<(S const& a, S const& b) { return Less(a.CStr(), b.CStr()); }
+    int Cmp(S const& other) const { return Cmp(other.CStr()); }
+    int Cmp(Unit const* text) const;
+    int ICmp(S const& other) const { return ICmp(other.CStr()); }
+    int ICmp(Unit const* text) const;
     bool IEqual(S const& other) const { return ICmp(other) == 0; }
     bool IEqual(Unit const* text) const { return ICmp(text) == 0; }
 
@@ -232,6 +236,9 @@ protected:
     // The one constant empty text of this width, handed out for a null string.
     static constexpr Unit kEmptyText[1] = {};
     static constexpr Unit const* EmptyText() noexcept { return kEmptyText; }
+    // The order of operator<. Out of line, like Length, Cmp and ICmp: the platform's text
+    // services they call are not exported, so no inline code in this header may call them.
+    static bool Less(Unit const* a, Unit const* b);
     static Block* CreateShared();
     static Block* CreateShared(size_type capacity);
     static Block* CreateShared(Unit const* text);

@@ -4,13 +4,14 @@
 #pragma once
 
 #include <concepts>
+#include <qv/core/Export.h>
 #include <qv/core/strings/StringBase.h>
 #include <string>
 #include <string_view>
 
 class BString;
 
-class WString : public StringBase<WString, char16_t> {
+class QV_EXPORT WString : public StringBase<WString, char16_t> {
 public:
     using StringBase::StringBase;
     using StringBase::operator=;

@@ -206,6 +206,8 @@ TYPED_TEST(StringTest, AppendingToItself) {
     S text = Make<S>("x");
     text.Append(text.CStr());
     EXPECT_EQ(Ascii(text), "xx");
+    text.Append(text.CStr()); // now into spare room of the same block
+    EXPECT_EQ(Ascii(text), "xxxx");
     EXPECT_EQ(Ascii(Lit<S>("<").c_str() + Make<S>("b")), "<b");
 }
 

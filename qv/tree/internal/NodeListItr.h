@@ -5,6 +5,8 @@
 #include <qv/core/containers/DList.h>
 #include <qv/tree/BNode.h>
 
+namespace qv::detail {
+
 template <class T>
 class NodeListItr {
 public:
@@ -42,3 +44,5 @@ protected:
     List* m_list;
     typename List::Position m_pos;
 };
+
+} // namespace qv::detail

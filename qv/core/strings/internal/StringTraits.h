@@ -5,6 +5,8 @@
 #include <cstring>
 #include <qv/platform/TextServices.h>
 
+namespace qv::detail {
+
 template <class Unit>
 struct StringTraits;
 
@@ -109,3 +111,5 @@ struct StringTraits<char16_t> {
     // Printable escapes what iswprint rejects; the escape shows the low 8 bits only.
     static bool NeedsEscape(char16_t c) { return c == u'\\' || !IsPrint(c); }
 };
+
+} // namespace qv::detail

@@ -1,0 +1,27 @@
+# The headers of the public interface, read from the umbrella qv/qvcore.h, and the headers that
+# an installed copy of them needs: everything reachable from the umbrella through
+# #include <qv/...>. Paths are relative to root, such as qv/core/BError.h. Configuring runs again
+# when one of the headers read changes.
+function(qv_public_headers root public_var installed_var)
+  set(public)
+  set(reached qv/qvcore.h)
+  set(pending qv/qvcore.h)
+  while(pending)
+    list(POP_FRONT pending header)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${root}/${header})
+    file(STRINGS ${root}/${header} lines REGEX "^[ \t]*#[ \t]*include[ \t]*<qv/[^>]+>")
+    foreach(line ${lines})
+      string(REGEX REPLACE ".*<(qv/[^>]+)>.*" "\\1" included "${line}")
+      if(header STREQUAL "qv/qvcore.h")
+        list(APPEND public ${included})
+      endif()
+      if(NOT included IN_LIST reached)
+        list(APPEND reached ${included})
+        list(APPEND pending ${included})
+      endif()
+    endforeach()
+  endwhile()
+  list(SORT reached)
+  set(${public_var} ${public} PARENT_SCOPE)
+  set(${installed_var} ${reached} PARENT_SCOPE)
+endfunction()
