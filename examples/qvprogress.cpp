@@ -14,6 +14,7 @@
 #include <mutex>
 #include <qv/qvcore.h>
 #include <thread>
+#include <unistd.h>
 
 namespace {
 
@@ -49,7 +50,8 @@ public:
 private:
     std::atomic<unsigned long long> m_units{0};
     std::mutex m_print;
-    unsigned long m_thread = qv::platform::GetCurrentThreadId();
+    // The library numbers threads by their kernel thread ids, as the dispatcher must too.
+    unsigned long m_thread = static_cast<unsigned long>(::gettid());
 };
 
 bool IsPrime(unsigned long long n) {

@@ -110,11 +110,18 @@ private:
 
 } // namespace
 
+namespace {
+
+// The texts of one key. Defined here, not inside State, so that the map's code stays inside the
+// library: a type nested in an exported class would be exported with every instantiation.
+struct Texts {
+    WString text; // of the current language
+    WString defaultText;
+};
+
+} // namespace
+
 struct BLanguageMap::State {
-    struct Texts {
-        WString text; // of the current language
-        WString defaultText;
-    };
 
     bool reportMissingTranslations = false;
     bool testMode = false;
@@ -174,7 +181,7 @@ int BLanguageMap::Add(WString key, WString defaultText, WString text, bool repla
     if (oneWord)
         s.oneWordKeysByDefault[defaultText].insert(key);
     s.entries.emplace_hint(place, std::move(key),
-                           State::Texts{std::move(text), std::move(defaultText)});
+                           Texts{std::move(text), std::move(defaultText)});
     return result;
 }
 

@@ -96,7 +96,7 @@ public:
     /// are written as they stand: a tab or line feed in a text spoils its line for a reader.
     /// 0, or kCannotCreateFile.
     int ExportMapFile(WString path) const;
-    /// Turns line feeds, carriage returns and tabs into \n, \r and \t (a backslash stays single),
+    /// Turns line feeds, carriage returns and tabs into `\\n`, `\\r` and `\\t` (a backslash stays single),
     /// which the reader turns back.
     static void ReplaceControlChars(WString& text);
 

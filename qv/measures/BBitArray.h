@@ -53,7 +53,6 @@ public:
         else
             UnsetBit(x, y, plane);
     }
-    /// @}
 
     /// @name Whole planes, a word at a time.
     /// Every byte to 255 or 0, the bits of rounded-up planes included.
@@ -63,7 +62,6 @@ public:
     void ChangePlane(int plane, bool value);
     /// How many pixels have the plane set.
     unsigned long long CountBits(int plane) const;
-    /// @}
 
     /// The stored form: width, height and pixel bytes as 4-byte numbers, then the bytes of the
     /// data. Null when the data cannot be read whole, so a damaged record never allocates more

@@ -57,7 +57,6 @@ public:
                m_alpha == c.m_alpha;
     }
     constexpr bool operator!=(BFColor const& c) const noexcept { return !(*this == c); }
-    /// @}
 
     /// @name Hue, saturation and brightness of red, green and blue.
     /// The largest channel.
@@ -70,7 +69,6 @@ public:
     /// Degrees from 0 up to 360; 0 for black and for greys.
     float Hue() const noexcept;
     void ConvertToHSB(float& hue, float& saturation, float& brightness) const noexcept;
-    /// @}
 
     /// Red, green and blue all their mean; opaque, whatever alpha was.
     constexpr BFColor Grey() const noexcept {
@@ -111,7 +109,6 @@ public:
     /// unless all 16 bytes came; Write's failure shows in the stream's error state.
     void Read(std::FILE* stream);
     void Write(std::FILE* stream) const;
-    /// @}
 
 private:
     static constexpr float Clamp(float c) noexcept { return c < 0.0f ? 0.0f : c > 1.0f ? 1.0f : c; }

@@ -36,14 +36,12 @@ public:
     /// Exact comparison of both components.
     constexpr bool operator==(BFPoint const& p) const noexcept { return x == p.x && y == p.y; }
     constexpr bool operator!=(BFPoint const& p) const noexcept { return !(*this == p); }
-    /// @}
 
     /// @name Whole points through ceilf, floorf and roundf; Round sends halves away from zero.
     /// Coordinates beyond the 32-bit range are the caller's to exclude.
     BPoint Ceil() const noexcept { return Whole(std::ceil(x), std::ceil(y)); }
     BPoint Floor() const noexcept { return Whole(std::floor(x), std::floor(y)); }
     BPoint Round() const noexcept { return Whole(std::round(x), std::round(y)); }
-    /// @}
 
     /// The distance from the origin, in float.
     float Length() const noexcept { return std::sqrt(x * x + y * y); }

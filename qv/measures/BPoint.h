@@ -56,7 +56,6 @@ public:
         return *this == static_cast<tagPOINT const&>(o);
     }
     constexpr bool operator!=(BPoint const& o) const noexcept { return !(*this == o); }
-    /// @}
 
     /// True when left <= x < right and top <= y < bottom.
     constexpr bool InRect(tagRECT const& r) const noexcept {

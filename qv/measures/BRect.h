@@ -38,7 +38,6 @@ public:
     constexpr BPoint RightTop() const noexcept { return {right, top}; }
     constexpr BPoint LeftBottom() const noexcept { return {left, bottom}; }
     constexpr BPoint RightBottom() const noexcept { return {right, bottom}; }
-    /// @}
     /// The middle, each coordinate halved with truncation towards zero.
     constexpr BPoint Center() const noexcept {
         return {(1ll * left + right) / 2, (1ll * top + bottom) / 2};
@@ -94,7 +93,6 @@ public:
                                  tagRECT const& d) const noexcept {
         return Intersection(a, b, c).Intersection(d);
     }
-    /// @}
 
     /// @name The smallest rectangle holding this and all arguments, folded in order. Empty
     /// rectangles do not count; two empty ones give all zeros.
@@ -117,7 +115,6 @@ public:
                           tagRECT const& d) const noexcept {
         return Union(a, b, c).Union(d);
     }
-    /// @}
 
     /// Shift all four fields.
     constexpr BRect& operator+=(BPoint const& p) noexcept {

@@ -75,7 +75,6 @@ public:
     /// A step down or up; x stays.
     constexpr void NextRow() noexcept { m_y += m_step; }
     constexpr void PreviousRow() noexcept { m_y -= m_step; }
-    /// @}
 
     /// True while top <= y < bottom; x is not looked at.
     constexpr bool IsValid() const noexcept { return m_rect.top <= m_y && m_y < m_rect.bottom; }
@@ -93,7 +92,6 @@ public:
         return {static_cast<float>(m_x) * m_scale_x + m_offset_x,
                 static_cast<float>(m_y) * m_scale_y + m_offset_y};
     }
-    /// @}
 
     /// @name The step, in both directions.
     constexpr int GetStep() const noexcept { return m_step; }
@@ -102,7 +100,6 @@ public:
     /// Width or height divided by the step, rounded up.
     constexpr int StepCountX() const noexcept { return (m_rect.Width() + m_step - 1) / m_step; }
     constexpr int StepCountY() const noexcept { return (m_rect.Height() + m_step - 1) / m_step; }
-    /// @}
 
     int m_x;
     int m_y;

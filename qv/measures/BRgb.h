@@ -29,7 +29,6 @@ public:
     constexpr bool operator==(unsigned char v) const noexcept { return *this == BRgb(v); }
     constexpr bool operator<(unsigned char v) const noexcept { return *this < BRgb(v); }
     constexpr bool operator>(unsigned char v) const noexcept { return *this > BRgb(v); }
-    /// @}
 
     /// Adds to all three channels; each byte wraps at 256 rather than stopping at 255.
     constexpr BRgb operator+(unsigned char v) const noexcept {

@@ -25,7 +25,6 @@ public:
     constexpr bool operator==(unsigned char v) const noexcept { return Colour() == v; }
     constexpr bool operator<(unsigned char v) const noexcept { return Colour() < v; }
     constexpr bool operator>(unsigned char v) const noexcept { return Colour() > v; }
-    /// @}
     /// @name Comparison with a colour: all four channels, alpha included.
     constexpr bool operator==(BRgba const& o) const noexcept {
         return Colour() == o.Colour() && m_alpha == o.m_alpha;
@@ -34,7 +33,6 @@ public:
         return Colour() < o.Colour() && m_alpha < o.m_alpha;
     }
     constexpr bool operator>(BRgba const& o) const noexcept { return o < *this; }
-    /// @}
 
     /// Adds to red, green and blue, each byte wrapping at 256; alpha is the operand's.
     constexpr BRgba operator+(unsigned char v) const noexcept {

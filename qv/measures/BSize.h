@@ -54,7 +54,6 @@ public:
         return *this == static_cast<tagSIZE const&>(o);
     }
     constexpr bool operator!=(BSize const& o) const noexcept { return !(*this == o); }
-    /// @}
 
     /// @name Order, true only when the relation holds in both components at once, so two
     /// sizes may be neither greater nor less.
@@ -66,7 +65,6 @@ public:
     constexpr bool IsLess(int w, int h) const noexcept { return cx < w && cy < h; }
     constexpr bool IsLessEq(BSize const& s) const noexcept { return IsLessEq(s.cx, s.cy); }
     constexpr bool IsLessEq(int w, int h) const noexcept { return cx <= w && cy <= h; }
-    /// @}
 
     /// The componentwise larger or smaller size.
     constexpr BSize Maximum(BSize const& s) const noexcept {

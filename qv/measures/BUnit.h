@@ -30,20 +30,17 @@ public:
     virtual double Convert(WString text) const;
     /// value × factor.
     virtual double Convert(double value) const;
-    /// @}
     /// @name Display to internal value
     /// The text parsed and reverted; 0.0 when it is no number.
     virtual double Revert(WString text) const;
     /// value ÷ factor (an infinity or NaN for a factor of 0).
     virtual double Revert(double value) const;
-    /// @}
     /// @name The same as text, with nine significant digits ("%.9g": 0.1, 1e+10)
     /// Text that is no number gives "0".
     virtual WString ConvertStr(WString text) const;
     virtual WString ConvertStr(double value) const;
     virtual WString RevertStr(WString text) const;
     virtual WString RevertStr(double value) const;
-    /// @}
     /// The symbol ("mm", "°C", a double quote for inches); empty for plain numbers.
     virtual WString Symbol() const;
     /// Digits behind the point that Format gives when the caller names none.
@@ -54,7 +51,6 @@ public:
     /// Convert(value) with \p precision digits behind the point (Precision() when negative),
     /// rounded as printf rounds. The text is cut at 127 characters.
     virtual WString Format(double value, int precision) const;
-    /// @}
 
 private:
     WString m_symbol;

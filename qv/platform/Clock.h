@@ -4,7 +4,6 @@
 // library.
 #pragma once
 
-#include <qv/core/Export.h>
 #include <qv/platform/WindowsTypes.h>
 
 namespace qv::platform {
@@ -17,6 +16,6 @@ bool QueryPerformanceFrequency(long long* frequency);
 void GetLocalTime(_SYSTEMTIME* time);
 // The local calendar fields of a moment given as seconds and nanoseconds since 1970 (UTC):
 // the conversion behind GetLocalTime.
-QV_EXPORT void LocalTimeAt(long long seconds, long nanoseconds, _SYSTEMTIME* time);
+void LocalTimeAt(long long seconds, long nanoseconds, _SYSTEMTIME* time);
 
 } // namespace qv::platform

@@ -13,7 +13,6 @@
 #pragma once
 
 #include <cstdint>
-#include <qv/core/Export.h>
 
 namespace qv::platform {
 
@@ -22,46 +21,46 @@ namespace qv::platform {
 /// characters copied. With a null key: the section's key names, each terminated, and one more
 /// terminator; returns the characters without that last one, size - 2 when cut. With a null
 /// section: as GetPrivateProfileSectionNamesW. A missing file reads as an empty one.
-QV_EXPORT std::uint32_t GetPrivateProfileStringW(char16_t const* section, char16_t const* key,
+std::uint32_t GetPrivateProfileStringW(char16_t const* section, char16_t const* key,
                                                  char16_t const* defaultValue, char16_t* buffer,
                                                  std::uint32_t size, char16_t const* path);
 /// The names of all sections in file order, as the list form above; only whole names are
 /// copied, and a cut list gives size - 2.
-QV_EXPORT std::uint32_t GetPrivateProfileSectionNamesW(char16_t* buffer, std::uint32_t size,
+std::uint32_t GetPrivateProfileSectionNamesW(char16_t* buffer, std::uint32_t size,
                                                        char16_t const* path);
 /// The section's lines as "key=value" (quotes kept; comment lines left out), each terminated,
 /// with one more terminator; 0 for a missing or empty section, size - 2 when cut.
-QV_EXPORT std::uint32_t GetPrivateProfileSectionW(char16_t const* section, char16_t* buffer,
+std::uint32_t GetPrivateProfileSectionW(char16_t const* section, char16_t* buffer,
                                                   std::uint32_t size, char16_t const* path);
 /// The key's value as a number: optional sign, decimal digits or "0x" and hexadecimal digits,
 /// wrapping at 32 bits; 0 for a text that holds none; defaultValue for a missing key or an
 /// empty value.
-QV_EXPORT std::uint32_t GetPrivateProfileIntW(char16_t const* section, char16_t const* key,
+std::uint32_t GetPrivateProfileIntW(char16_t const* section, char16_t const* key,
                                               int defaultValue, char16_t const* path);
 /// Stores value under key, creating file, section and key as needed (a new file is ANSI). A
 /// null value removes the key, a null key removes the section. False when the file cannot be
 /// written; it then stays as it was.
-QV_EXPORT bool WritePrivateProfileStringW(char16_t const* section, char16_t const* key,
+bool WritePrivateProfileStringW(char16_t const* section, char16_t const* key,
                                           char16_t const* value, char16_t const* path);
 /// Replaces the section's lines by content, a list of terminated lines ending with an empty
 /// one; null content removes the section.
-QV_EXPORT bool WritePrivateProfileSectionW(char16_t const* section, char16_t const* content,
+bool WritePrivateProfileSectionW(char16_t const* section, char16_t const* content,
                                            char16_t const* path);
 /// Stores size bytes as upper-case hexadecimal followed by a checksum byte, their sum modulo
 /// 256.
-QV_EXPORT bool WritePrivateProfileStructW(char16_t const* section, char16_t const* key,
+bool WritePrivateProfileStructW(char16_t const* section, char16_t const* key,
                                           void const* data, std::uint32_t size,
                                           char16_t const* path);
 /// Fills data from a value so stored. False, with data untouched, when the key is missing, its
 /// text is not 2 * size + 2 hexadecimal digits or the checksum differs.
-QV_EXPORT bool GetPrivateProfileStructW(char16_t const* section, char16_t const* key, void* data,
+bool GetPrivateProfileStructW(char16_t const* section, char16_t const* key, void* data,
                                         std::uint32_t size, char16_t const* path);
 /// Makes the file an empty UTF-16LE file (just the byte order mark), under the lock of the
 /// writes: always with replaceExisting, otherwise only when there is no file yet. False when
 /// it cannot be written.
-QV_EXPORT bool CreateUnicodePrivateProfile(char16_t const* path, bool replaceExisting);
+bool CreateUnicodePrivateProfile(char16_t const* path, bool replaceExisting);
 /// Rewrites an ANSI or UTF-8 file as UTF-16LE with a byte order mark, line feeds as CR LF, under
 /// the lock of the writes. True also for a file that is UTF-16 already or does not exist.
-QV_EXPORT bool ConvertPrivateProfileToUnicode(char16_t const* path);
+bool ConvertPrivateProfileToUnicode(char16_t const* path);
 
 } // namespace qv::platform

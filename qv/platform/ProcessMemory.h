@@ -3,12 +3,11 @@
 #pragma once
 
 #include <cstdint>
-#include <qv/core/Export.h>
 
 namespace qv::platform {
 
 // Bytes of the process's memory that are resident now (its resident set size), or 0 when the
 // system does not say.
-QV_EXPORT std::uint64_t ProcessResidentBytes();
+std::uint64_t ProcessResidentBytes();
 
 } // namespace qv::platform

@@ -5,14 +5,13 @@
 // command, which the process registers for once.
 #pragma once
 
-#include <qv/core/Export.h>
 
 namespace qv::platform {
 
 // False when the kernel offers no such barrier (before Linux 4.14, or filtered by a sandbox),
 // and for good once a barrier has failed or the process is the child of a fork; callers then
 // keep to paths that order their accesses themselves. Registers on first call.
-QV_EXPORT bool CanFlushProcessWriteBuffers() noexcept;
+bool CanFlushProcessWriteBuffers() noexcept;
 // Only after CanFlushProcessWriteBuffers() has answered true. Should the kernel refuse the
 // barrier, a slower one of the same strength stands in (a page protection change, whose TLB
 // shootdown interrupts every processor running the process), and
@@ -25,6 +24,6 @@ void FlushProcessWriteBuffers() noexcept;
 bool AtFork(void (*prepare)(), void (*parent)(), void (*child)()) noexcept;
 
 // For tests: the next barrier fails as a refused system call would.
-QV_EXPORT void FailNextProcessWriteBufferFlush() noexcept;
+void FailNextProcessWriteBufferFlush() noexcept;
 
 } // namespace qv::platform

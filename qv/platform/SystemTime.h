@@ -5,7 +5,6 @@
 #pragma once
 
 #include <cstdint>
-#include <qv/core/Export.h>
 #include <qv/platform/WindowsTypes.h>
 
 /// 100-ns ticks since 1 January 1601, split into two 32-bit halves as Windows stores them.
@@ -20,9 +19,9 @@ namespace qv::platform {
 /// Converts a calendar record; wDayOfWeek is ignored. False, with *fileTime untouched, for a
 /// field out of range: year 1601 to 30827, month 1 to 12, a day that the month has, hour below
 /// 24, minute and second below 60, milliseconds below 1000.
-QV_EXPORT bool SystemTimeToFileTime(_SYSTEMTIME const* systemTime, _FILETIME* fileTime);
+bool SystemTimeToFileTime(_SYSTEMTIME const* systemTime, _FILETIME* fileTime);
 /// Converts a tick count back, with the day of the week (0 for Sunday). False, with
 /// *systemTime untouched, for counts of 2^63 and above.
-QV_EXPORT bool FileTimeToSystemTime(_FILETIME const* fileTime, _SYSTEMTIME* systemTime);
+bool FileTimeToSystemTime(_FILETIME const* fileTime, _SYSTEMTIME* systemTime);
 
 } // namespace qv::platform

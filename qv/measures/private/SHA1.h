@@ -6,21 +6,20 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <qv/core/Export.h>
 
 namespace qv::detail {
 
 // Runs the compression over count consecutive 64-byte blocks, updating the five words.
 using Sha1Compress = void (*)(std::uint32_t* words, unsigned char const* blocks, std::size_t count);
 
-QV_EXPORT void Sha1CompressPortable(std::uint32_t* words, unsigned char const* blocks,
+void Sha1CompressPortable(std::uint32_t* words, unsigned char const* blocks,
                                     std::size_t count);
 // The compression with the SHA instructions, or null where the processor lacks them.
-QV_EXPORT Sha1Compress Sha1CompressShaInstructions();
+Sha1Compress Sha1CompressShaInstructions();
 // The fastest compression this processor runs.
-QV_EXPORT Sha1Compress Sha1CompressBest();
+Sha1Compress Sha1CompressBest();
 
-class QV_EXPORT SHA1 {
+class SHA1 {
 public:
     explicit SHA1(Sha1Compress compress = Sha1CompressBest());
     // Continues a digest whose first lengthBits bits (whole blocks) were hashed elsewhere and
