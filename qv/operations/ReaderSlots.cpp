@@ -12,16 +12,23 @@ namespace {
 // Every table ever made, and those whose thread has ended. Tables are never freed: a closing
 // thread must be able to read any of them at any time, and a table may hold counts of reads
 // that other threads will leave. Never destroyed either, so that threads still running while
-// the process exits find it intact.
+// the process exits find it intact. Built at compile time, with no guarded initialisation
+// that a fork could catch half done.
 struct Registry {
     std::mutex mutex;
     std::vector<ReaderSlots*> all;
     std::vector<ReaderSlots*> unused;
 };
 
+union RegistryStorage {
+    constexpr RegistryStorage() : registry() {}
+    ~RegistryStorage() {}
+    Registry registry;
+};
+constinit RegistryStorage g_registryStorage;
+
 Registry& TheRegistry() noexcept {
-    static Registry* const registry = new Registry;
-    return *registry;
+    return g_registryStorage.registry;
 }
 
 // Set once the thread's own thread_local objects are being destroyed: a read taken by one of
@@ -43,8 +50,6 @@ struct HandBackAtThreadEnd {
 ReaderSlots* ReaderSlots::OfNewThread() noexcept {
     if (t_threadEnded)
         return nullptr;
-    [[maybe_unused]] static bool const forkHandled =
-        qv::platform::AtFork(&BeforeFork, &AfterForkInParent, &AfterForkInChild);
     thread_local HandBackAtThreadEnd handBack;
     Registry& registry = TheRegistry();
     std::lock_guard const guard(registry.mutex);
@@ -58,6 +63,9 @@ ReaderSlots* ReaderSlots::OfNewThread() noexcept {
     t_readerSlots = handBack.slots;
     return t_readerSlots;
 }
+
+bool const ReaderSlots::s_forkHandled =
+    qv::platform::AtFork(&BeforeFork, &AfterForkInParent, &AfterForkInChild);
 
 void ReaderSlots::BeforeFork() noexcept {
     TheRegistry().mutex.lock();

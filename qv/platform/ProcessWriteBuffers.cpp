@@ -18,10 +18,29 @@ namespace {
 std::atomic<bool> g_shut{false};
 std::atomic<bool> g_failNext{false};
 
-void ShutInChild() noexcept {
+// Registration runs once, without a function-local static: a fork that catches another thread
+// inside a guarded initialisation leaves the guard taken for good in the child, whose first
+// caller would then wait forever. A caller that finds the registration under way answers "no"
+// and keeps to the ordinary path; the answer turns to "yes" once the registration is done.
+enum Registration : int { kNotTried, kRegistering, kRegistered, kRefused };
+std::atomic<int> g_registration{kNotTried};
+
+// The stand-in barrier's lock, held across fork so that the child finds it free.
+std::mutex g_pageMutex;
+
+void BeforeFork() noexcept {
+    g_pageMutex.lock();
+}
+
+void AfterForkInParent() noexcept {
+    g_pageMutex.unlock();
+}
+
+void AfterForkInChild() noexcept {
+    g_pageMutex.unlock();
     g_shut.store(true, std::memory_order_relaxed);
 }
-[[maybe_unused]] bool const g_childShut = AtFork(nullptr, nullptr, ShutInChild);
+[[maybe_unused]] bool const g_forkHandled = AtFork(BeforeFork, AfterForkInParent, AfterForkInChild);
 
 long Membarrier(int command) noexcept {
     if (g_failNext.exchange(false, std::memory_order_relaxed)) {
@@ -37,28 +56,39 @@ bool RegisterForBarriers() noexcept {
            Membarrier(MEMBARRIER_CMD_REGISTER_PRIVATE_EXPEDITED) == 0;
 }
 
+bool Registered() noexcept {
+    int state = g_registration.load(std::memory_order_acquire);
+    if (state == kNotTried && g_registration.compare_exchange_strong(state, kRegistering)) {
+        state = RegisterForBarriers() ? kRegistered : kRefused;
+        g_registration.store(state, std::memory_order_release);
+    }
+    return state == kRegistered;
+}
+
 // Taking write access away from a page this process has touched makes the kernel interrupt
 // every processor that may hold the page in its TLB, that is every processor running a thread
 // of the process; each passes a full barrier on the way.
 void BarrierThroughPageProtection() noexcept {
-    static std::mutex mutex;
-    static long const pageSize = sysconf(_SC_PAGESIZE);
-    static void* const page = mmap(nullptr, static_cast<std::size_t>(pageSize),
-                                   PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     std::atomic_thread_fence(std::memory_order_seq_cst);
-    if (page == MAP_FAILED)
-        return;
-    std::lock_guard const lock(mutex);
-    mprotect(page, static_cast<std::size_t>(pageSize), PROT_READ | PROT_WRITE);
+    std::lock_guard const lock(g_pageMutex);
+    static void* page = nullptr; // made under the lock: no guarded initialisation
+    std::size_t const pageSize = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    if (!page) {
+        void* const made =
+            mmap(nullptr, pageSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        if (made == MAP_FAILED)
+            return;
+        page = made;
+    }
+    mprotect(page, pageSize, PROT_READ | PROT_WRITE);
     static_cast<std::atomic<int>*>(page)->fetch_add(1);
-    mprotect(page, static_cast<std::size_t>(pageSize), PROT_NONE);
+    mprotect(page, pageSize, PROT_NONE);
 }
 
 } // namespace
 
 bool CanFlushProcessWriteBuffers() noexcept {
-    static bool const registered = RegisterForBarriers();
-    return registered && !g_shut.load(std::memory_order_relaxed);
+    return Registered() && !g_shut.load(std::memory_order_relaxed);
 }
 
 void FlushProcessWriteBuffers() noexcept {

@@ -10,7 +10,8 @@ namespace qv::platform {
 
 // False when the kernel offers no such barrier (before Linux 4.14, or filtered by a sandbox),
 // and for good once a barrier has failed or the process is the child of a fork; callers then
-// keep to paths that order their accesses themselves. Registers on first call.
+// keep to paths that order their accesses themselves. Registers on first call; callers that
+// come while another thread registers are answered false until it is done.
 bool CanFlushProcessWriteBuffers() noexcept;
 // Only after CanFlushProcessWriteBuffers() has answered true. Should the kernel refuse the
 // barrier, a slower one of the same strength stands in (a page protection change, whose TLB

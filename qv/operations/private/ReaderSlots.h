@@ -59,6 +59,8 @@ private:
     static void BeforeFork() noexcept;
     static void AfterForkInParent() noexcept;
     static void AfterForkInChild() noexcept;
+    // Registered when the library loads, before any thread can read through a table.
+    static bool const s_forkHandled;
     bool CountInWindow(void const* lock, std::atomic<std::uint64_t> const& epochWord,
                        int delta) noexcept;
     std::int64_t CountOf(void const* lock, std::uint64_t epoch) const noexcept;
