@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <qv/platform/PathText.h>
+#include <qv/platform/SystemError.h>
 
 namespace qv::platform {
 
@@ -28,15 +29,6 @@ constexpr std::uint32_t FILE_SHARE_READ = 0x1;
 constexpr std::uint32_t FILE_SHARE_WRITE = 0x2;
 constexpr std::uint32_t OPEN_EXISTING = 3;
 constexpr std::uint32_t FILE_FLAG_BACKUP_SEMANTICS = 0x02000000;
-
-// Results of SHCreateDirectoryExW.
-constexpr int ERROR_SUCCESS = 0;
-constexpr int ERROR_FILE_NOT_FOUND = 2;
-constexpr int ERROR_PATH_NOT_FOUND = 3;
-constexpr int ERROR_ACCESS_DENIED = 5;
-constexpr int ERROR_FILE_EXISTS = 80;
-constexpr int ERROR_BAD_PATHNAME = 161;
-constexpr int ERROR_ALREADY_EXISTS = 183;
 
 struct WIN32_FIND_DATAW {
     std::uint32_t dwFileAttributes;

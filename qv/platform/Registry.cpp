@@ -424,15 +424,15 @@ public:
         FileLock lock(file);
         Hive& hive = Fresh(root);
         if (!lock.Held() || !hive.writable || !CanReplaceFile(file))
-            return kRegAccessDenied;
-        if (long result = change(hive.root); result != kRegSuccess)
+            return ERROR_ACCESS_DENIED;
+        if (long result = change(hive.root); result != ERROR_SUCCESS)
             return result;
         if (!ReplaceFile(file, PrintRoot(hive.root, kRootNames[static_cast<std::size_t>(root)]))) {
             hive.stamp = FileStamp{-2, -2}; // the tree holds a change the file lacks: re-read
-            return kRegAccessDenied;
+            return ERROR_ACCESS_DENIED;
         }
         hive.stamp = StampOf(file);
-        return kRegSuccess;
+        return ERROR_SUCCESS;
     }
 
     bool CanWrite(int root) {
@@ -521,6 +521,16 @@ bool Resolve(HKEY key, OpenKey& open) {
     return true;
 }
 
+// Runs read on the key that open names, under the store's lock, with the root's tree brought up
+// to date with its file first. ERROR_KEY_DELETED when the key has gone since it was opened.
+template <class Read>
+long ReadKey(OpenKey const& open, Read read) {
+    Store& store = TheStore();
+    std::lock_guard<std::mutex> guard(store.mutex);
+    Key* node = Walk(&store.Fresh(open.root).root, open.path, false);
+    return node ? read(*node) : ERROR_KEY_DELETED;
+}
+
 bool Fits(std::uint32_t* capacity, std::size_t needed) {
     bool fits = capacity && *capacity >= needed;
     if (capacity)
@@ -560,15 +570,15 @@ long RegCreateKeyExW(HKEY key, char16_t const* subKey, std::uint32_t, char16_t*,
                      std::uint32_t access, void const*, HKEY* result, std::uint32_t* disposition) {
     OpenKey parent;
     if (!result || !Resolve(key, parent))
-        return kRegInvalidHandle;
+        return ERROR_INVALID_HANDLE;
     std::u16string_view sub = subKey ? subKey : u"";
     if (sub.starts_with(u'\\'))
-        return kRegInvalidParameter;
+        return ERROR_INVALID_PARAMETER;
     Store& store = TheStore();
     std::lock_guard<std::mutex> guard(store.mutex);
     bool wantsWrite = (access & (KEY_SET_VALUE | KEY_CREATE_SUB_KEY)) != 0;
     if (wantsWrite && !store.CanWrite(parent.root))
-        return kRegAccessDenied;
+        return ERROR_ACCESS_DENIED;
     auto open = std::make_unique<OpenKey>(parent);
     open->writable = wantsWrite;
     for (auto& name : SplitPath(sub))
@@ -577,22 +587,22 @@ long RegCreateKeyExW(HKEY key, char16_t const* subKey, std::uint32_t, char16_t*,
     if (!exists) {
         long created = store.Write(parent.root, [&](Key& root) {
             Walk(&root, open->path, true);
-            return kRegSuccess;
+            return ERROR_SUCCESS;
         });
-        if (created != kRegSuccess)
+        if (created != ERROR_SUCCESS)
             return created;
     }
     if (disposition)
         *disposition = exists ? REG_OPENED_EXISTING_KEY : REG_CREATED_NEW_KEY;
     *result = reinterpret_cast<HKEY>(open.release());
-    return kRegSuccess;
+    return ERROR_SUCCESS;
 }
 
 long RegOpenKeyExW(HKEY key, char16_t const* subKey, std::uint32_t, std::uint32_t access,
                    HKEY* result) {
     OpenKey parent;
     if (!result || !Resolve(key, parent))
-        return kRegInvalidHandle;
+        return ERROR_INVALID_HANDLE;
     Store& store = TheStore();
     std::lock_guard<std::mutex> guard(store.mutex);
     auto open = std::make_unique<OpenKey>(parent);
@@ -600,19 +610,19 @@ long RegOpenKeyExW(HKEY key, char16_t const* subKey, std::uint32_t, std::uint32_
     for (auto& name : SplitPath(subKey ? subKey : u""))
         open->path.push_back(std::move(name));
     if (!Walk(&store.Fresh(parent.root).root, open->path, false))
-        return kRegFileNotFound;
+        return ERROR_FILE_NOT_FOUND;
     if (open->writable && !store.CanWrite(parent.root))
-        return kRegAccessDenied;
+        return ERROR_ACCESS_DENIED;
     *result = reinterpret_cast<HKEY>(open.release());
-    return kRegSuccess;
+    return ERROR_SUCCESS;
 }
 
 long RegCloseKey(HKEY key) {
     if (!key)
-        return kRegInvalidHandle;
+        return ERROR_INVALID_HANDLE;
     if (RootIndex(key) < 0)
         delete reinterpret_cast<OpenKey*>(key);
-    return kRegSuccess;
+    return ERROR_SUCCESS;
 }
 
 long RegQueryInfoKeyW(HKEY key, char16_t*, std::uint32_t*, std::uint32_t*, std::uint32_t* subKeys,
@@ -621,29 +631,26 @@ long RegQueryInfoKeyW(HKEY key, char16_t*, std::uint32_t*, std::uint32_t*, std::
                       std::uint32_t*, void*) {
     OpenKey open;
     if (!Resolve(key, open))
-        return kRegInvalidHandle;
-    Store& store = TheStore();
-    std::lock_guard<std::mutex> guard(store.mutex);
-    Key const* node = Walk(&store.Fresh(open.root).root, open.path, false);
-    if (!node)
-        return kRegKeyDeleted;
-    std::size_t longestKey = 0, longestName = 0, longestData = 0;
-    for (auto const& [folded, child] : node->children)
-        longestKey = std::max(longestKey, child->name.size());
-    for (Value const& value : node->values) {
-        longestName = std::max(longestName, value.name.size());
-        longestData = std::max(longestData, value.data.size());
-    }
-    auto set = [](std::uint32_t* out, std::size_t n) {
-        if (out)
-            *out = static_cast<std::uint32_t>(n);
-    };
-    set(subKeys, node->children.size());
-    set(maxSubKeyLength, longestKey);
-    set(values, node->values.size());
-    set(maxValueNameLength, longestName);
-    set(maxValueLength, longestData);
-    return kRegSuccess;
+        return ERROR_INVALID_HANDLE;
+    return ReadKey(open, [&](Key& node) {
+        std::size_t longestKey = 0, longestName = 0, longestData = 0;
+        for (auto const& [folded, child] : node.children)
+            longestKey = std::max(longestKey, child->name.size());
+        for (Value const& value : node.values) {
+            longestName = std::max(longestName, value.name.size());
+            longestData = std::max(longestData, value.data.size());
+        }
+        auto set = [](std::uint32_t* out, std::size_t n) {
+            if (out)
+                *out = static_cast<std::uint32_t>(n);
+        };
+        set(subKeys, node.children.size());
+        set(maxSubKeyLength, longestKey);
+        set(values, node.values.size());
+        set(maxValueNameLength, longestName);
+        set(maxValueLength, longestData);
+        return ERROR_SUCCESS;
+    });
 }
 
 long RegEnumValueW(HKEY key, std::uint32_t index, char16_t* name, std::uint32_t* nameLength,
@@ -651,102 +658,93 @@ long RegEnumValueW(HKEY key, std::uint32_t index, char16_t* name, std::uint32_t*
                    std::uint32_t* dataLength) {
     OpenKey open;
     if (!Resolve(key, open))
-        return kRegInvalidHandle;
+        return ERROR_INVALID_HANDLE;
     if (!nameLength)
-        return kRegInvalidParameter;
-    Store& store = TheStore();
-    std::lock_guard<std::mutex> guard(store.mutex);
-    Key const* node = Walk(&store.Fresh(open.root).root, open.path, false);
-    if (!node)
-        return kRegKeyDeleted;
-    if (index >= node->values.size())
-        return kRegNoMoreItems;
-    Value const& value = node->values[index];
-    if (*nameLength <= value.name.size() || !name)
-        return kRegMoreData;
-    std::copy(value.name.begin(), value.name.end(), name);
-    name[value.name.size()] = 0;
-    *nameLength = static_cast<std::uint32_t>(value.name.size());
-    if (type)
-        *type = value.type;
-    if (data && !Fits(dataLength, value.data.size()))
-        return kRegMoreData;
-    if (data)
-        std::memcpy(data, value.data.data(), value.data.size());
-    else if (dataLength)
-        *dataLength = static_cast<std::uint32_t>(value.data.size());
-    return kRegSuccess;
+        return ERROR_INVALID_PARAMETER;
+    return ReadKey(open, [&](Key& node) {
+        if (index >= node.values.size())
+            return ERROR_NO_MORE_ITEMS;
+        Value const& value = node.values[index];
+        if (*nameLength <= value.name.size() || !name)
+            return ERROR_MORE_DATA;
+        std::copy(value.name.begin(), value.name.end(), name);
+        name[value.name.size()] = 0;
+        *nameLength = static_cast<std::uint32_t>(value.name.size());
+        if (type)
+            *type = value.type;
+        if (data && !Fits(dataLength, value.data.size()))
+            return ERROR_MORE_DATA;
+        if (data)
+            std::memcpy(data, value.data.data(), value.data.size());
+        else if (dataLength)
+            *dataLength = static_cast<std::uint32_t>(value.data.size());
+        return ERROR_SUCCESS;
+    });
 }
 
 long RegEnumKeyExW(HKEY key, std::uint32_t index, char16_t* name, std::uint32_t* nameLength,
                    std::uint32_t*, char16_t*, std::uint32_t*, void*) {
     OpenKey open;
     if (!Resolve(key, open))
-        return kRegInvalidHandle;
+        return ERROR_INVALID_HANDLE;
     if (!nameLength || !name)
-        return kRegInvalidParameter;
-    Store& store = TheStore();
-    std::lock_guard<std::mutex> guard(store.mutex);
-    Key const* node = Walk(&store.Fresh(open.root).root, open.path, false);
-    if (!node)
-        return kRegKeyDeleted;
-    if (index >= node->children.size())
-        return kRegNoMoreItems;
-    Key const& child = *std::next(node->children.begin(), index)->second;
-    if (*nameLength <= child.name.size())
-        return kRegMoreData;
-    std::copy(child.name.begin(), child.name.end(), name);
-    name[child.name.size()] = 0;
-    *nameLength = static_cast<std::uint32_t>(child.name.size());
-    return kRegSuccess;
+        return ERROR_INVALID_PARAMETER;
+    return ReadKey(open, [&](Key& node) {
+        if (index >= node.children.size())
+            return ERROR_NO_MORE_ITEMS;
+        Key const& child = *std::next(node.children.begin(), index)->second;
+        if (*nameLength <= child.name.size())
+            return ERROR_MORE_DATA;
+        std::copy(child.name.begin(), child.name.end(), name);
+        name[child.name.size()] = 0;
+        *nameLength = static_cast<std::uint32_t>(child.name.size());
+        return ERROR_SUCCESS;
+    });
 }
 
 long RegQueryValueExW(HKEY key, char16_t const* name, std::uint32_t*, std::uint32_t* type,
                       unsigned char* data, std::uint32_t* dataLength) {
     OpenKey open;
     if (!Resolve(key, open))
-        return kRegInvalidHandle;
+        return ERROR_INVALID_HANDLE;
     if (data && !dataLength)
-        return kRegInvalidParameter;
-    Store& store = TheStore();
-    std::lock_guard<std::mutex> guard(store.mutex);
-    Key* node = Walk(&store.Fresh(open.root).root, open.path, false);
-    if (!node)
-        return kRegKeyDeleted;
-    Value const* value = node->FindValue(name ? name : u"");
-    if (!value)
-        return kRegFileNotFound;
-    if (type)
-        *type = value->type;
-    if (!data) {
-        if (dataLength)
-            *dataLength = static_cast<std::uint32_t>(value->data.size());
-        return kRegSuccess;
-    }
-    if (!Fits(dataLength, value->data.size()))
-        return kRegMoreData;
-    std::memcpy(data, value->data.data(), value->data.size());
-    return kRegSuccess;
+        return ERROR_INVALID_PARAMETER;
+    return ReadKey(open, [&](Key& node) {
+        Value const* value = node.FindValue(name ? name : u"");
+        if (!value)
+            return ERROR_FILE_NOT_FOUND;
+        if (type)
+            *type = value->type;
+        if (!data) {
+            if (dataLength)
+                *dataLength = static_cast<std::uint32_t>(value->data.size());
+            return ERROR_SUCCESS;
+        }
+        if (!Fits(dataLength, value->data.size()))
+            return ERROR_MORE_DATA;
+        std::memcpy(data, value->data.data(), value->data.size());
+        return ERROR_SUCCESS;
+    });
 }
 
 long RegSetValueExW(HKEY key, char16_t const* name, std::uint32_t, std::uint32_t type,
                     unsigned char const* data, std::uint32_t dataLength) {
     OpenKey open;
     if (!Resolve(key, open))
-        return kRegInvalidHandle;
+        return ERROR_INVALID_HANDLE;
     if (!open.writable)
-        return kRegAccessDenied;
+        return ERROR_ACCESS_DENIED;
     if (!data && dataLength)
-        return kRegInvalidParameter;
+        return ERROR_INVALID_PARAMETER;
     Store& store = TheStore();
     std::lock_guard<std::mutex> guard(store.mutex);
     std::string_view bytes(reinterpret_cast<char const*>(data), data ? dataLength : 0);
     return store.Write(open.root, [&](Key& root) {
         Key* node = Walk(&root, open.path, false);
         if (!node)
-            return kRegKeyDeleted;
+            return ERROR_KEY_DELETED;
         node->SetValue(name ? name : u"", type, bytes);
-        return kRegSuccess;
+        return ERROR_SUCCESS;
     });
 }
 

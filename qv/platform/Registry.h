@@ -8,6 +8,7 @@
 #pragma once
 
 #include <cstdint>
+#include <qv/platform/SystemError.h>
 #include <string>
 #include <string_view>
 
@@ -40,24 +41,14 @@ constexpr std::uint32_t KEY_ALL_ACCESS_RW = 0x2001f; // read and write, as calle
 constexpr std::uint32_t REG_CREATED_NEW_KEY = 1;
 constexpr std::uint32_t REG_OPENED_EXISTING_KEY = 2;
 
-// Results, as Windows numbers them.
-constexpr long kRegSuccess = 0;
-constexpr long kRegFileNotFound = 2;
-constexpr long kRegAccessDenied = 5;
-constexpr long kRegInvalidHandle = 6;
-constexpr long kRegInvalidParameter = 87;
-constexpr long kRegMoreData = 234;
-constexpr long kRegNoMoreItems = 259;
-constexpr long kRegKeyDeleted = 1018;
-
 /// Opens or creates a key below \p key (subKey may hold several names parted by '\'); an
 /// empty subKey opens \p key again. Write access (KEY_SET_VALUE or KEY_CREATE_SUB_KEY) is
-/// refused with kRegAccessDenied when the root's store file cannot be written; read access
+/// refused with ERROR_ACCESS_DENIED when the root's store file cannot be written; read access
 /// opens existing keys only and then refuses creation the same way.
 long RegCreateKeyExW(HKEY key, char16_t const* subKey, std::uint32_t reserved, char16_t* keyClass,
                      std::uint32_t options, std::uint32_t access, void const* security,
                      HKEY* result, std::uint32_t* disposition);
-/// Opens an existing key; kRegFileNotFound when it is not there.
+/// Opens an existing key; ERROR_FILE_NOT_FOUND when it is not there.
 long RegOpenKeyExW(HKEY key, char16_t const* subKey, std::uint32_t options, std::uint32_t access,
                    HKEY* result);
 /// Closes an opened key; a predefined root is left alone.
@@ -71,8 +62,8 @@ long RegQueryInfoKeyW(HKEY key, char16_t* keyClass, std::uint32_t* classLength,
                       std::uint32_t* maxValueLength, std::uint32_t* securityDescriptor,
                       void* lastWriteTime);
 /// Value \p index in creation order. \p nameLength holds the buffer's size in characters on the
-/// way in and the name's length on the way out; kRegMoreData when the name or the data does
-/// not fit, kRegNoMoreItems past the last.
+/// way in and the name's length on the way out; ERROR_MORE_DATA when the name or the data does
+/// not fit, ERROR_NO_MORE_ITEMS past the last.
 long RegEnumValueW(HKEY key, std::uint32_t index, char16_t* name, std::uint32_t* nameLength,
                    std::uint32_t* reserved, std::uint32_t* type, unsigned char* data,
                    std::uint32_t* dataLength);
@@ -81,7 +72,7 @@ long RegEnumKeyExW(HKEY key, std::uint32_t index, char16_t* name, std::uint32_t*
                    std::uint32_t* reserved, char16_t* keyClass, std::uint32_t* classLength,
                    void* lastWriteTime);
 /// Type and data of a value (null or empty name: the default value). With null data only the
-/// size is given; kRegMoreData with the size needed when the buffer is too small.
+/// size is given; ERROR_MORE_DATA with the size needed when the buffer is too small.
 long RegQueryValueExW(HKEY key, char16_t const* name, std::uint32_t* reserved, std::uint32_t* type,
                       unsigned char* data, std::uint32_t* dataLength);
 /// Sets a value; on disk when the call returns.

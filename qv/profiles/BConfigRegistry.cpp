@@ -51,10 +51,10 @@ HKEY OpenOrCreate(HKEY parent, WString const& path) {
     HKEY key = nullptr;
     long result =
         RegCreateKeyExW(parent, path.CStr(), 0, nullptr, 0, kReadWrite, nullptr, &key, nullptr);
-    if (result == kRegAccessDenied)
+    if (result == ERROR_ACCESS_DENIED)
         result =
             RegCreateKeyExW(parent, path.CStr(), 0, nullptr, 0, kReadOnly, nullptr, &key, nullptr);
-    return result == kRegSuccess ? key : nullptr;
+    return result == ERROR_SUCCESS ? key : nullptr;
 }
 
 HKEY Handle(void* key) {
@@ -96,7 +96,7 @@ int QueryNames(void* key, bool subkeys, BArray<WString>& names, Enumerate keep) 
                                            nullptr, nullptr, nullptr, nullptr, nullptr, nullptr)
                         : RegQueryInfoKeyW(Handle(key), nullptr, nullptr, nullptr, nullptr, nullptr,
                                            nullptr, &count, &longest, nullptr, nullptr, nullptr);
-    if (!key || info != kRegSuccess)
+    if (!key || info != ERROR_SUCCESS)
         return BConfig::kFailure;
     names.Clear();
     std::vector<char16_t> buffer(longest + 1);
@@ -107,7 +107,7 @@ int QueryNames(void* key, bool subkeys, BArray<WString>& names, Enumerate keep) 
                                               nullptr, nullptr, nullptr)
                               : RegEnumValueW(Handle(key), i, buffer.data(), &length, nullptr,
                                               &type, nullptr, nullptr);
-        if (result == kRegSuccess && keep(type))
+        if (result == ERROR_SUCCESS && keep(type))
             names.Add(WString(buffer.data()));
     }
     return 0;
@@ -128,7 +128,7 @@ int BConfigRegistry::ReadString(WString name, WString& value) const {
         return kFailure;
     std::uint32_t type = REG_NONE, size = 0;
     if (RegQueryValueExW(Handle(m_key), name.CStr(), nullptr, &type, nullptr, &size) !=
-            kRegSuccess ||
+            ERROR_SUCCESS ||
         (type != REG_SZ && type != REG_EXPAND_SZ))
         return kFailure;
     if (size == 0) {
@@ -139,7 +139,7 @@ int BConfigRegistry::ReadString(WString name, WString& value) const {
     // was stored.
     std::vector<char16_t> text(size / 2 + 1, u'\0');
     if (RegQueryValueExW(Handle(m_key), name.CStr(), nullptr, &type,
-                         reinterpret_cast<unsigned char*>(text.data()), &size) != kRegSuccess) {
+                         reinterpret_cast<unsigned char*>(text.data()), &size) != ERROR_SUCCESS) {
         value = WString();
         return kFailure;
     }
@@ -153,7 +153,7 @@ int BConfigRegistry::WriteString(WString name, WString value) {
     unsigned int bytes = Sizet_uint(value.Length() * 2 + 2);
     long result = RegSetValueExW(Handle(m_key), name.CStr(), 0, REG_SZ,
                                  reinterpret_cast<unsigned char const*>(value.CStr()), bytes);
-    return result == kRegSuccess ? 0 : kFailure;
+    return result == ERROR_SUCCESS ? 0 : kFailure;
 }
 
 void BConfigRegistry::SetStoreDirectory(WString directory) {

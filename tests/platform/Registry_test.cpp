@@ -22,7 +22,7 @@ protected:
         HKEY key = nullptr;
         EXPECT_EQ(
             RegCreateKeyExW(HKEY_CURRENT_USER, path, 0, nullptr, 0, access, nullptr, &key, nullptr),
-            kRegSuccess);
+            ERROR_SUCCESS);
         return key;
     }
     static std::string Bytes(std::u16string const& text) {
@@ -30,7 +30,7 @@ protected:
     }
     static std::string Query(HKEY key, char16_t const* name, std::uint32_t& type) {
         std::uint32_t size = 0;
-        if (RegQueryValueExW(key, name, nullptr, &type, nullptr, &size) != kRegSuccess)
+        if (RegQueryValueExW(key, name, nullptr, &type, nullptr, &size) != ERROR_SUCCESS)
             return "missing";
         std::string data(size, '\0');
         RegQueryValueExW(key, name, nullptr, &type, reinterpret_cast<unsigned char*>(data.data()),
@@ -41,7 +41,7 @@ protected:
         EXPECT_EQ(RegSetValueExW(key, name, 0, type,
                                  reinterpret_cast<unsigned char const*>(data.data()),
                                  static_cast<std::uint32_t>(data.size())),
-                  kRegSuccess);
+                  ERROR_SUCCESS);
     }
 
     TempDir m_dir;
@@ -99,9 +99,9 @@ TEST_F(RegistryStore, ListsSubkeysInWindowsOrderValuesInCreationOrder) {
             long result =
                 keys ? RegEnumKeyExW(key, i, name, &length, nullptr, nullptr, nullptr, nullptr)
                      : RegEnumValueW(key, i, name, &length, nullptr, nullptr, nullptr, nullptr);
-            if (result == kRegNoMoreItems)
+            if (result == ERROR_NO_MORE_ITEMS)
                 return names;
-            EXPECT_EQ(result, kRegSuccess);
+            EXPECT_EQ(result, ERROR_SUCCESS);
             names += std::u16string(name) + u",";
         }
     };
@@ -118,20 +118,20 @@ TEST_F(RegistryStore, SmallBuffersAreAnsweredWithTheSizeNeeded) {
     Set(key, u"LongName", REG_BINARY, std::string(40, 'x'));
     std::uint32_t size = 8;
     unsigned char data[8];
-    EXPECT_EQ(RegQueryValueExW(key, u"LongName", nullptr, nullptr, data, &size), kRegMoreData);
+    EXPECT_EQ(RegQueryValueExW(key, u"LongName", nullptr, nullptr, data, &size), ERROR_MORE_DATA);
     EXPECT_EQ(size, 40u);
     char16_t name[4];
     std::uint32_t length = 4;
     EXPECT_EQ(RegEnumValueW(key, 0, name, &length, nullptr, nullptr, nullptr, nullptr),
-              kRegMoreData);
+              ERROR_MORE_DATA);
     std::uint32_t values = 0, longestName = 0, longestData = 0;
     EXPECT_EQ(RegQueryInfoKeyW(key, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &values,
                                &longestName, &longestData, nullptr, nullptr),
-              kRegSuccess);
+              ERROR_SUCCESS);
     EXPECT_EQ(values, 1u);
     EXPECT_EQ(longestName, 8u);
     EXPECT_EQ(longestData, 40u);
-    EXPECT_EQ(RegQueryValueExW(key, u"none", nullptr, nullptr, nullptr, &size), kRegFileNotFound);
+    EXPECT_EQ(RegQueryValueExW(key, u"none", nullptr, nullptr, nullptr, &size), ERROR_FILE_NOT_FOUND);
     RegCloseKey(key);
 }
 
@@ -142,17 +142,17 @@ TEST_F(RegistryStore, AStoreThatCannotBeWrittenRefusesAndAForeignFileStaysAsItWa
     HKEY key = nullptr;
     EXPECT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, u"Software\\X", 0, nullptr, 0, KEY_ALL_ACCESS_RW,
                               nullptr, &key, nullptr),
-              kRegAccessDenied);
+              ERROR_ACCESS_DENIED);
     EXPECT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, u"Software\\X", 0, nullptr, 0, KEY_READ, nullptr,
                               &key, nullptr),
-              kRegAccessDenied);
+              ERROR_ACCESS_DENIED);
 
     SetRegistryDirectory(m_dir.U());
     std::string foreign = "[HKEY_CURRENT_USER\\Software]\r\n\"a\"=\"b\"\r\n";
     WriteBytes(m_dir / "HKEY_CURRENT_USER.reg", foreign);
     EXPECT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, u"Software\\X", 0, nullptr, 0, KEY_ALL_ACCESS_RW,
                               nullptr, &key, nullptr),
-              kRegAccessDenied);
+              ERROR_ACCESS_DENIED);
     EXPECT_EQ(ReadBytes(m_dir / "HKEY_CURRENT_USER.reg"), foreign);
 }
 
