@@ -34,8 +34,8 @@ public:
             delete this;
     }
     ///@}
-    /// The object's number, given at construction. 32 bits as on Windows: after 2^31 - 1
-    /// objects the numbers wrap to negative values.
+    /// The object's number, given at construction; negative once more than 2^31 - 1 objects
+    /// have been made, as on Windows.
     long UniqueID() const noexcept { return m_unique_id; }
 
     /// Owners of the object through SP<T>, for tests and diagnostics.
