@@ -59,9 +59,9 @@ public:
     /// that already is Unicode, which stays untouched; kFileError when it can't be read or
     /// reopened for writing.
     static int ConvertToUnicode(char16_t const* path);
-    /// Deletes the files of one directory that match \p spec, skipping read-only, system,
-    /// offline files and directories; a failed deletion is skipped too. Not recursive. The
-    /// number deleted; 0 for an empty spec, -1 when nothing matches.
+    /// Deletes the files of one directory that match the pattern \p spec, skipping read-only,
+    /// system, offline files and directories; a failed deletion is skipped too. Not recursive. The
+    /// number deleted; 0 for an empty pattern, -1 when nothing matches.
     static int Delete(WString spec);
     /// The short form of the path (here the path itself) and 0, or kShortPathNameExt with an
     /// empty path for a path that does not exist, or with the path when it contains a blank.
