@@ -1,14 +1,24 @@
-// SP<T>: the owning pointer of smart objects. It counts through BSmartObjBase::Ref and Unref,
-// so for a class with BSmartObj as a virtual base every SP to one object shares one count.
+/// \file
+/// SP<T>: the owning pointer of smart objects. It counts through BSmartObjBase::Ref and Unref,
+/// so for a class with BSmartObj as a virtual base every SP to one object shares one count.
 #pragma once
 
 #include <type_traits>
 #include <typeinfo>
 #include <utility>
 
+/// One pointer to a T (which may be const) that owns a share of it: the object goes when the
+/// last SP lets go. Functions that hand out an SP make the caller an owner; a plain T* from a
+/// getter only borrows. Give it only objects made with new: the count of a new object is 0,
+/// and the first SP takes it. Two threads may hold separate SPs to one object, since the count
+/// is atomic, but one SP variable must not be read and assigned at the same time. No operation
+/// throws.
 template <class T>
 class SP {
 public:
+    /// @name Construction. Null touches nothing; a pointer or a copy takes a reference; a move
+    /// takes the other's reference and leaves it null.
+    ///@{
     SP() noexcept = default;
     SP(std::nullptr_t) noexcept {}
     SP(T* p) noexcept : m_p(p) {
@@ -17,20 +27,24 @@ public:
     }
     SP(SP const& other) noexcept : SP(other.m_p) {}
     SP(SP&& other) noexcept : m_p(std::exchange(other.m_p, nullptr)) {}
+    ///@}
 
-    // From an SP of another type: a checked conversion. The result holds null when the object
-    // is not of the wanted type, and its own reference otherwise.
+    /// From an SP of another type: a checked conversion. The result holds null when the object
+    /// is not of the wanted type, and its own reference otherwise.
     template <class U>
     requires(!std::is_same_v<U, T>) SP(SP<U> const& other)
     noexcept : SP(Convert(other.get())) {}
 
+    /// Lets go of the object, which is destroyed when this was its last owner.
     ~SP() {
         if (m_p)
             m_p->Unref();
     }
 
-    // The new object is counted before the old one is let go, so that assigning an SP its own
-    // object, or an object that the old one owns, is safe.
+    /// @name Assignment. The new object is counted before the old one is let go, so that
+    /// assigning an SP its own object, or an object that the old one owns, is safe. A move
+    /// leaves the source null.
+    ///@{
     SP& operator=(T* p) noexcept {
         if (p)
             p->Ref();
@@ -48,13 +62,16 @@ public:
         }
         return *this;
     }
+    ///@}
 
+    /// From an SP of another type, converted as by the constructor: null when the object is
+    /// not of the wanted type.
     template <class U>
     requires(!std::is_same_v<U, T>) SP& operator=(SP<U> const& other) noexcept {
         return *this = Convert(other.get());
     }
-    // A converted object takes the other's reference along; one of another type leaves the
-    // other as it was.
+    /// A converted object takes the other's reference along; one of another type makes this
+    /// null and leaves the other as it was.
     template <class U>
     requires(!std::is_same_v<U, T>) SP& operator=(SP<U>&& other) noexcept {
         T* p = Convert(other.m_p);
@@ -66,10 +83,13 @@ public:
         return *this;
     }
 
+    /// @name Plain access to the held pointer, possibly null; the count does not change.
+    ///@{
     operator T*() const noexcept { return m_p; }
     T* operator->() const noexcept { return m_p; }
     T& operator*() const noexcept { return *m_p; }
     T* get() const noexcept { return m_p; }
+    ///@}
 
 private:
     template <class U>

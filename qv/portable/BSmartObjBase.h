@@ -1,33 +1,46 @@
-// The reference count and the process-wide unique number that every smart object carries.
-// Objects start with a count of 0: the first SP<T> that takes one makes it 1, and the last
-// one to let go destroys it.
+/// \file
+/// BSmartObjBase: the reference count and the process-wide unique number that every smart
+/// object carries.
 #pragma once
 
 #include <atomic>
 #include <cstdint>
 #include <qv/core/Export.h>
 
+/// Objects start with a count of 0: the first SP<T> that takes one makes it 1, and the last
+/// one to let go destroys it. The count and the number counter are atomic, so threads may
+/// take and drop references to one object at once; nothing else here is shared.
 class QV_EXPORT BSmartObjBase {
 public:
+    /// A count of 0 and the next number of the process (the first object gets 1).
     BSmartObjBase() noexcept : m_unique_id(NextUniqueID()) {}
-    // A copy is a new object: it gets a count of 0 and a fresh number of its own.
+    /// A copy is a new object: it gets a count of 0 and a fresh number of its own.
     BSmartObjBase(BSmartObjBase const&) noexcept : BSmartObjBase() {}
 
     // The assignment comes first among the virtual operations, then the destructor; the order
     // is part of the interface.
+    /// Copies nothing and returns the target: count and number stay.
     virtual BSmartObjBase const& operator=(BSmartObjBase const&) { return *this; }
     virtual ~BSmartObjBase() = default;
 
+    /// @name Counting; const, so that a pointer to a const object can own it.
+    ///@{
+    /// Adds an owner.
     void Ref() const noexcept { m_count.fetch_add(1, std::memory_order_relaxed); }
+    /// Drops an owner; the last one destroys the object through its virtual destructor (it
+    /// must have been made with new).
     void Unref() const noexcept {
         if (m_count.fetch_sub(1, std::memory_order_acq_rel) == 1)
             delete this;
     }
+    ///@}
+    /// The object's number, given at construction; negative once more than 2^31 - 1 objects
+    /// have been made, as on Windows.
     long UniqueID() const noexcept { return m_unique_id; }
 
-    // Owners of the object through SP<T>, for tests and diagnostics.
+    /// Owners of the object through SP<T>, for tests and diagnostics.
     std::int32_t RefCount() const noexcept { return m_count.load(std::memory_order_relaxed); }
-    // The last number given out.
+    /// The last number given out, 0 before the first object.
     static long LastUniqueID() noexcept {
         return m_unique_id_counter.load(std::memory_order_relaxed);
     }

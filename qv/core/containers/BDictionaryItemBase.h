@@ -1,6 +1,7 @@
-// BDictionaryItemBase: the base of a BDictionary's items. Its one virtual operation gives the
-// hash of the item's key, so that a table reaches the hash through the item and a key type
-// needs nothing of its own. The hashes of the library's key types live here.
+/// \file
+/// BDictionaryItemBase: the base of a BDictionary's items. Its one virtual operation gives the
+/// hash of the item's key, so that a table reaches the hash through the item and a key type
+/// needs nothing of its own. The hashes of the library's key types live here.
 #pragma once
 
 #include <cstdint>
@@ -10,15 +11,21 @@
 class WString;
 class BString;
 
+/// An interface without data. The hashes are fixed, since they decide the order in which a
+/// table's items are iterated; all arithmetic is unsigned 64-bit and wraps. Pure functions:
+/// any thread may call them.
 class QV_EXPORT BDictionaryItemBase {
 public:
+    /// The hash of the item's key.
     virtual unsigned long long Hash() const = 0;
 
-    // The first 8 units at most: h = h * 5 + unit. Keys that share those units share a bucket.
+    /// The first 8 units at most, up to the terminator: h = h * 5 + unit, from 0. Keys that
+    /// share those units share a bucket.
     static unsigned long long HashKey(WString const& key);
-    // The first 5 characters at most, each taken as a signed byte: h = h * 33 + character.
+    /// The first 5 characters at most, up to the terminator, each taken as a signed byte:
+    /// h = h * 33 + character, from 0.
     static unsigned long long HashKey(BString const& key);
-    // The object's address: SP keys are equal by identity.
+    /// The object's address (0 for null): SP keys are equal by identity.
     template <class T>
     static unsigned long long HashKey(SP<T> const& key) {
         return reinterpret_cast<std::uintptr_t>(key.get());

@@ -1,11 +1,12 @@
-// BHashTable<Item>: a chained hash table whose buckets are BArrays. The bucket count is fixed
-// at construction from the expected number of items and never changes: there is no rehashing.
-//
-// Iteration runs bucket by bucket and, within a bucket, in the order of addition. Callers can
-// see that order, so the bucket arithmetic below is kept exactly as it has always been: a table
-// of 1000 expected items has 37 buckets, one of 250000 has 9277.
-//
-// Item provides `unsigned long long Hash() const` and `bool SameKey(Item const&) const`.
+/// \file
+/// BHashTable<Item>: a chained hash table whose buckets are BArrays. The bucket count is fixed
+/// at construction from the expected number of items and never changes: there is no rehashing.
+///
+/// Iteration runs bucket by bucket and, within a bucket, in the order of addition. Callers can
+/// see that order, so the bucket arithmetic below is kept exactly as it has always been: a table
+/// of 1000 expected items has 37 buckets, one of 250000 has 9277.
+///
+/// Item provides `unsigned long long Hash() const` and `bool SameKey(Item const&) const`.
 #pragma once
 
 #include <cstdint>
@@ -14,11 +15,15 @@
 #include <qv/core/containers/BArray.h>
 #include <utility>
 
+/// Storage only: no lock, no reports; one thread at a time, or the owner keeps access apart.
+/// A failed allocation (std::bad_alloc) propagates. Pointers and iterators into the table hold
+/// until the next Set or Remove; removing while iterating is not offered: collect the keys
+/// first.
 template <class Item>
 class BHashTable {
 public:
-    // A place in the table: the table, a bucket index and an item index. The end is reached
-    // when the bucket index reaches the bucket count.
+    /// A place in the table: the table, a bucket index and an item index. The end is reached
+    /// when the bucket index reaches the bucket count.
     template <class V>
     class Iterator {
     public:
@@ -42,6 +47,7 @@ public:
             return old;
         }
         bool operator==(Iterator const& other) const = default;
+        /// True past the last item.
         bool AtEnd() const { return m_bucket >= m_table->m_bucket_count; }
 
     private:
@@ -64,9 +70,13 @@ public:
     using iterator = Iterator<Item>;
     using const_iterator = Iterator<Item const>;
 
+    /// An empty table sized for \p expected items: BucketCountFor(expected) buckets, each
+    /// growing by StepFor(expected).
     explicit BHashTable(unsigned long long expected = 0)
         : m_bucket_count(BucketCountFor(expected)),
           m_buckets(MakeBuckets(m_bucket_count, StepFor(expected))) {}
+    /// @name Copies: the same bucket count, every bucket copied with its step and its order.
+    ///@{
     BHashTable(BHashTable const& other)
         : m_bucket_count(other.m_bucket_count), m_item_count(other.m_item_count),
           m_buckets(MakeBuckets(m_bucket_count, 0, other.m_buckets)) {}
@@ -77,10 +87,11 @@ public:
         std::swap(m_buckets, copy.m_buckets);
         return *this;
     }
+    ///@}
     virtual ~BHashTable() { delete[] m_buckets; }
 
-    // Stores item. An item with an equal key is overwritten (key and value) and the result is
-    // false; otherwise the item is added to its bucket and the result is true.
+    /// Stores \p item. An item with an equal key is overwritten (key and value) and the result
+    /// is false; otherwise the item is added to the end of its bucket and the result is true.
     bool Set(Item const& item) {
         BArray<Item>& bucket = BucketOf(item);
         if (Item* found = FindIn(bucket, item)) {
@@ -91,10 +102,15 @@ public:
         ++m_item_count;
         return true;
     }
-    // The stored item with the probe's key, or null; a const table hands out const items.
+    /// @name The stored item with the probe's key, or null; a const table hands out const items.
+    ///@{
     Item* Find(Item const& probe) { return FindIn(BucketOf(probe), probe); }
     Item const* Find(Item const& probe) const { return FindIn(BucketOf(probe), probe); }
+    ///@}
+    /// True when an item with the probe's key is stored.
     bool Contains(Item const& probe) const { return Find(probe) != nullptr; }
+    /// Removes the item with the probe's key; the items behind it in its bucket keep their
+    /// order. False when there is none.
     bool Remove(Item const& probe) {
         BArray<Item>& bucket = BucketOf(probe);
         for (std::uint64_t i = 0; i < bucket.Count(); ++i) {
@@ -107,21 +123,30 @@ public:
         return false;
     }
 
+    /// @name Figures: the items stored, the fixed number of buckets.
+    ///@{
     unsigned long long Count() const { return m_item_count; }
     unsigned long long BucketCount() const { return m_bucket_count; }
+    ///@}
+    /// The items of bucket \p index, in the order of addition; the index is not checked.
     BArray<Item> const& Bucket(unsigned long long index) const { return m_buckets[index]; }
 
+    /// @name Range-for over all items, bucket by bucket.
+    ///@{
     iterator begin() { return iterator(this, 0); }
     iterator end() { return iterator(this, m_bucket_count); }
     const_iterator begin() const { return const_iterator(this, 0); }
     const_iterator end() const { return const_iterator(this, m_bucket_count); }
+    ///@}
 
-    // The growth step of each bucket: 30 for tables expecting more than 249 items, else 15.
+    /// The growth step of each bucket: 30 for tables expecting more than 249 items, else 15.
     static unsigned long long StepFor(unsigned long long expected) {
         return expected > 249 ? 30 : 15;
     }
-    // Sized so that a bucket holds about step x 0.9 items at the expected count; the count is
-    // a prime, computed in single precision as it always was.
+    /// Sized so that a bucket holds about step x 0.9 items at the expected count: 2 up to 50
+    /// expected items, otherwise the truncated quotient, computed in single precision as it
+    /// always was, raised to the first odd prime not below it (2 when the quotient is 2 or
+    /// less).
     static unsigned long long BucketCountFor(unsigned long long expected);
 
 private:
