@@ -18,8 +18,9 @@ class NodeListItr;
 /// share, owned children in order, named attributes and annotations. The tree gives objects a
 /// place, a state and a path, and announces every change synchronously as a message through
 /// QVSend (MessageNumbers.h) while its root is a message dispatcher; a handler sees the change
-/// made and must not undo it. A node lives as long as its parent's list or any other SP holds
-/// it; a node whose parent dies lives on as a root if held elsewhere.
+/// made (a removed child is still in the list) and must not remove what it is told about. A node
+/// lives as long as its parent's list or any other SP holds it; a node whose parent dies lives on
+/// as a root if held elsewhere.
 ///
 /// Operations report by their bool or null result and throw nothing of their own; a false
 /// result leaves the node as it was. Pointers handed out (children, attributes, the object)
@@ -43,7 +44,7 @@ public:
     ///@{
     /// AllocatedMemory(false).
     unsigned long long AllocatedMemory() const override;
-    /// Writes the stored form of version 2 (docs/nodes.md); children, attributes, annotations
+    /// Writes the stored form of version 2 (docs/archives.md); children, attributes, annotations
     /// and the object go as references.
     void WriteData(BArchive& archive) const override;
     /// After a load from an object archive: puts the referenced objects in and makes the node
