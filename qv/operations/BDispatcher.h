@@ -31,14 +31,14 @@ public:
     ///@}
 
     // The virtual operations in the order of their slots.
-    /// Delivers a message and returns when it has been handled; true when it was. Called on
-    /// the dispatcher thread and, by nodes and progress mappings on a worker, on others too:
-    /// how such a call behaves is the dispatcher's choice. A pointer parameter is valid only
-    /// while Send runs.
+    /// Delivers a message and returns when it has been handled; the answer is the
+    /// implementation's. Called on the dispatcher thread and, by nodes and progress mappings
+    /// on a worker, on others too: how such a call behaves is the dispatcher's choice. A
+    /// pointer parameter is valid only while Send runs.
     virtual bool Send(unsigned int message, unsigned long long param1,
                       unsigned long long param2) = 0;
-    /// Enqueues a message and returns at once; true when it was queued. Called from any
-    /// thread, also with locks held: it must not wait.
+    /// Enqueues a message and returns at once; the answer is the implementation's. Called
+    /// from any thread, also with locks held: it must not wait.
     virtual bool Post(unsigned int message, unsigned long long param1,
                       unsigned long long param2) = 0;
     /// The dispatcher thread's id as GetCurrentThreadId gives it (32 bits); 0xFFFFFFFF for

@@ -13,8 +13,8 @@ namespace Qv {
 
 /// Formats the message and hands it to the sink; with no sink a call costs one lock and one
 /// unlock: the message is not formatted and the arguments are not read. The format is 16-bit
-/// text in the manner of the Windows runtime's wide printf (%s takes 16-bit text, %S narrow
-/// text; see qv/platform/WideFormat.h). A null format gives an empty text, and so does a
+/// text in the manner of the Windows runtime's wide printf (`%s` takes 16-bit text, `%S`
+/// narrow text; see qv/platform/WideFormat.h). A null format gives an empty text, and so does a
 /// message that does not fit in 4095 units or cannot be formatted: it is dropped, not cut.
 /// No heap memory is used before the sink gets the text. What the sink throws passes through;
 /// a failure of the mutex is raised as std::system_error.
