@@ -214,20 +214,23 @@ public:
     ///@}
 
 protected:
-    // Reads a reference number in the width of the format; false if the source had fewer
-    // bytes than the width.
+    /// Reads a reference number in the width of the format; false if the source had fewer
+    /// bytes than the width.
     bool ReadNumber(unsigned long long& number);
 
-    // Windows into a buffer of the concrete archive: bytes it has read ahead, or room it has
-    // for bytes to write. A value that fits is copied there without the virtual calls of the
-    // general path, which is taken when the window is empty or too small; that path refills
-    // or drains the buffer and may open the window again. An archive opens a window only
-    // where its ReadMemoryBlock or WriteMemoryBlock would do nothing but copy, so either way
-    // gives the same bytes; the read window is open only while reading is possible.
+    /// @name Windows into a buffer of the concrete archive
+    /// Bytes it has read ahead, or room it has for bytes to write. A value that fits is copied
+    /// there without the virtual calls of the general path, which is taken when the window is
+    /// empty or too small; that path refills or drains the buffer and may open the window
+    /// again. An archive opens a window only where its ReadMemoryBlock or WriteMemoryBlock
+    /// would do nothing but copy, so either way gives the same bytes; the read window is open
+    /// only while reading is possible. Null pointers close a window.
+    ///@{
     unsigned char const* m_readNext = nullptr;
     unsigned char const* m_readEnd = nullptr;
     unsigned char* m_writeNext = nullptr;
     unsigned char* m_writeEnd = nullptr;
+    ///@}
 
 private:
     bool TakeFromWindow(void* buffer, std::size_t size) {
