@@ -51,12 +51,17 @@ public:
     void Stop() override;
 
     // Its own virtual operations in the order of their slots.
-    /// A copy of the last error given to SetError; code 0 at first.
+    /// @name The last error: GetError gives a copy of what SetError stored; code 0 at first.
+    ///@{
     virtual BError GetError();
     virtual void SetError(BError const& error);
-    /// The window that receives notifications; null returns the object to the dispatcher.
+    ///@}
+    /// @name The window that receives notifications; null returns the object to the
+    /// dispatcher.
+    ///@{
     virtual void SetMessageSink(HWND sink);
     virtual HWND GetMessageSink();
+    ///@}
     /// Does nothing here; derived classes give it a meaning.
     virtual void ActivateBreak(bool flag);
     /// The stop flag; the argument is not used.

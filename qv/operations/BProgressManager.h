@@ -13,11 +13,14 @@ class QV_EXPORT BProgressManager : public BSmartObj {
 public:
     QV_DECLARE_CLASSNAME(BProgressManager)
 
+    /// @name Construction, copy and move: none of them copies anything of its own.
+    ///@{
     BProgressManager() = default;
     BProgressManager(BProgressManager const& other) : BSmartObj(other) {}
     BProgressManager(BProgressManager&& other) : BSmartObj(other) {}
     BProgressManager& operator=(BProgressManager const&) { return *this; }
     BProgressManager& operator=(BProgressManager&&) { return *this; }
+    ///@}
 
     // The virtual operations in the order of their slots.
     /// The application's side: a long operation with this (translatable) title begins, so the

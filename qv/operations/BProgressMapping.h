@@ -41,9 +41,12 @@ public:
     }
     /// Replaces the total of steps. Units already sent stand; the step stays where it is.
     void SetSteps(unsigned long long steps);
+    /// @name The total of steps, the current step and the progress units in all.
+    ///@{
     unsigned long long GetSteps() const { return m_steps; }
     unsigned long long Step() const { return m_step; }
     unsigned long long ProgressMessageNum() const { return m_message_num; }
+    ///@}
 
 protected:
     /// Sends the units that have come due since the last update and adapts the stride to the

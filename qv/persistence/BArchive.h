@@ -1,6 +1,6 @@
-// BArchive: the abstract store that a storable class talks to. A class writes its fields with
-// the streaming operators and its object head with BSmartObj::WritePrefix; the concrete
-// archives decide where the bytes go.
+/// \file
+/// BArchive: the abstract store that a storable class talks to. docs/archives.md shows how a
+/// storable class uses it and tells the stored forms.
 #pragma once
 
 #include <bit>
@@ -19,38 +19,71 @@ static_assert(std::endian::native == std::endian::little,
               "archives store the memory image of values, which the file formats fix as "
               "little-endian");
 
-// Thrown when a narrow string cannot be read. It never leaves the library: the prefix reader
-// and the archive's header check catch it and count the file as invalid.
+/// Thrown by value when a narrow string cannot be read (its tag is missing or wrong). The
+/// prefix reader and the archive's header check catch it and count the file as invalid; a read
+/// function that streams strings itself lets it pass to them.
 enum ARCHIVE_EXCEPTION { ARCHIVE_BAD_STRING = 1 };
 
 class BIStreamArchive;
 
+/// Two kinds stand behind it: the object archive BQuorvelArchive, a random-access file of
+/// object records, and the stream archives BIStreamArchive and BOStreamArchive, which read and
+/// write one object graph in sequence. A class writes its fields with the streaming operators,
+/// its references with the reference forms (the only place where the kinds differ for it)
+/// and its object head with BSmartObj::WritePrefix. Failures mostly show as state: a read on an
+/// archive that is not good leaves its target as it was, and IsGood turns false. An archive
+/// belongs to one thread at a time; nothing in it is locked.
 class QV_EXPORT BArchive : public BSmartObj {
 public:
+    /// Whether the archive is read or written.
     enum MODE { READ = 0, WRITE = 1 };
 
+    /// @name Construction and copy hold nothing of their own.
+    ///@{
     BArchive() = default;
     BArchive(BArchive const& other) : BSmartObj(other) {}
+    ///@}
 
-    // The format version of the archive, not of an object.
+    /// The format version of the archive, not of an object.
     int Version() const override = 0;
 
     // The virtual operations in the order of their slots.
+    /// Raises the archive's error as a BError, for a caller that wants an exception.
     virtual void ThrowError() const = 0;
+    /// The archive is open and has no error state.
     virtual bool IsGood() const = 0;
     virtual MODE Mode() const = 0;
+    /// Hands an object over for storage under name (null for an object reached by reference):
+    /// the object archive queues it, holding a reference; a stream writer writes it at once.
+    /// The stream archives throw a BError where they cannot take it (a reader; a writer that
+    /// is not good).
     virtual void Insert(BSmartObj* object, char const* name) = 0;
+    /// Gets an object out: the one stored under name, or for a stream reader the next one. A
+    /// new reference; null when there is none or it cannot be built.
     virtual SP<BSmartObj> TakeOut(char const* name) = 0;
+    /// The object already loaded for a reference number, or null (always on a stream).
     virtual SP<BSmartObj> QueryObject(void* reference) const = 0;
+    /// Reads up to size bytes into buffer; returns how many came (fewer at the end or on an
+    /// error).
     virtual unsigned long long ReadMemoryBlock(void* buffer, unsigned long long size) = 0;
+    /// Writes size bytes; returns how many were written.
     virtual unsigned long long WriteMemoryBlock(void const* buffer, unsigned long long size) = 0;
+    /// Asks the loaded objects whether they are sound (BSmartObj::VerifyObj); false when one
+    /// is not. Stream archives answer true.
     virtual bool VerifyObjects() = 0;
+    /// The reference number of an object on writing; 0 stands for null, and a stream archive
+    /// answers 0 for every object.
     virtual unsigned int MapPointerToIndex(void* object) = 0;
+    /// False for every archive of this library; nothing consults it.
     virtual bool Force64bitFormat() const = 0;
 
-    // Plain values travel as their memory image. long is refused: it is 4 bytes in the files
-    // that Windows writes and 8 here, so a field must name its width: std::int32_t for 32
-    // bits, long long for 64 (std::int64_t is a long on this platform).
+    /// @name Plain values travel as their memory image, sizeof(T) bytes, little-endian,
+    /// without tag or alignment. Writing goes through WriteMemoryBlock. Reading happens only
+    /// in read mode on a good archive; otherwise the target stays as it was. long is refused
+    /// at compile time: it is 4 bytes in the files that Windows writes and 8 here, so a field
+    /// must name its width: std::int32_t for 32 bits, long long for 64 (std::int64_t is a long
+    /// on this platform). Both return the archive, for chaining.
+    ///@{
     template <class T>
     BArchive& operator<<(T const& value) {
         CheckPlain<T>();
@@ -65,73 +98,75 @@ public:
             ReadMemoryBlock(&value, sizeof(T));
         return *this;
     }
+    ///@}
 
-    // Reads a narrow string as operator>> does and drops it, without making the string: for
-    // fields that a newer form no longer uses. Throws ARCHIVE_BAD_STRING as operator>> does.
+    /// Reads a narrow string as operator>> does and drops it, without making the string: for
+    /// fields that a newer form no longer uses. Throws ARCHIVE_BAD_STRING as operator>> does.
     void SkipString();
 
-    // True when reading is possible: read mode on a good archive.
+    /// True when reading is possible: read mode on a good archive.
     bool CanRead() const { return Mode() == READ && IsGood(); }
 
-    // True when the reference forms leave fields null while reading and fill them in
-    // UpdateAssociations (the object archive); false when they deliver objects at once.
+    /// True when the reference forms leave fields null while reading and fill them in
+    /// UpdateAssociations (the object archive); false when they deliver objects at once.
     bool ResolvesLater() const { return IsObjectArchive(); }
 
-    // The read function registered under the class name, or null.
+    /// The first read function registered under exactly this class name (case counts), or
+    /// null.
     static NArchive::ReadFunction SmartObjReadFunction(BString className);
 
-    // Reference forms. A field that refers to another object is stored as the object's
-    // reference number; they serve SP<T> fields of any storable T, BSmartObj as a virtual base
-    // included, and plain T * fields for references that do not own (a node's parent).
-    //
-    // Writing:
-    //   WriteIndex(p)        the number only; the object is not stored because of it
-    //   WriteObjectRef(p)    the number, and the object is queued for storage
-    //   WriteObjectList(l)   the count as 4 bytes, then WriteObjectRef of each element
-    // Reading, in a read function:
-    //   ReadIndex()          the number, in the width of WriteIndex
-    //   ReadIndex(field)     a plain reference: its number is noted, nothing is loaded
-    //   ReadObjectRef(field) the number is noted and its object queued for loading
-    //   ReadObjectList(l)    the count, then one element per stored number
-    // Resolving, in UpdateAssociations once every object of the load exists:
-    //   ResolveIndex(field), ResolveObjectRef(field), ResolveObjectList(l)
-    //
-    // A field under load never holds a number: it stays null, and the archive keeps the
-    // number beside it, with the field's address, until the resolve form replaces it by the
-    // object (null for a number that finds nothing or an object of another type). So a load
-    // given up half-way releases nothing that is not an object. The resolve forms serve the
-    // object whose UpdateAssociations runs; a field that its read function did not read
-    // through the archive is left alone.
-    //
-    // Lists are DLists or have their shape: Count(), RemoveAll(), AddTail(value), walkable by
-    // range-for, with elements that keep their addresses while the list lives.
-    //
-    // On a stream archive the object is written in place of its number: WriteObjectRef is
-    // Insert(object, nullptr) on the writer, which writes the flag and, for an object, the
-    // object itself; ReadObjectRef is the reader's next object, converted to the field's
-    // type, and the resolve forms find nothing to do. The list forms keep their count in
-    // front. WriteIndex writes the number 0 there, ReadIndex reads it and leaves the field
-    // null: a stream has no numbers.
-    //
-    // On an archive that is neither an object archive nor a stream archive, the object and
-    // list forms do nothing; WriteIndex and ReadIndex() work on every archive.
+    /// @name Reference forms
+    /// A field that refers to another object is stored as the object's reference number, 0
+    /// for null. The forms serve SP<T> fields of any storable T, BSmartObj as a virtual base
+    /// included, and plain T * fields for references that do not own (a node's parent). A
+    /// read function reads with the Read forms; UpdateAssociations, once every object of the
+    /// load exists, puts the objects in with the Resolve forms.
+    ///
+    /// A field under load never holds a number: it stays null, and the archive keeps the
+    /// number beside it, with the field's address, until the resolve form replaces it by the
+    /// object (null for a number that finds nothing or an object of another type). So a load
+    /// given up half-way releases nothing that is not an object. The resolve forms serve the
+    /// object whose UpdateAssociations runs; a field that its read function did not read
+    /// through the archive is left alone.
+    ///
+    /// Lists are DLists or have their shape: Count(), RemoveAll(), AddTail(value), walkable by
+    /// range-for, with elements that keep their addresses while the list lives.
+    ///
+    /// On a stream archive the object is written in place of its number: WriteObjectRef is
+    /// Insert(object, nullptr) on the writer, which writes the flag and, for an object, the
+    /// object itself; ReadObjectRef is the reader's next object, converted to the field's
+    /// type, and the resolve forms find nothing to do. The list forms keep their count in
+    /// front. WriteIndex writes the number 0 there, ReadIndex reads it and leaves the field
+    /// null: a stream has no numbers.
+    ///
+    /// On an archive that is neither an object archive nor a stream archive, the object and
+    /// list forms do nothing; WriteIndex and ReadIndex() work on every archive.
+    ///@{
+    /// The number only, 4 bytes up to format 6 and 8 bytes from 7 on; the object is not
+    /// stored because of it.
     template <class P>
     void WriteIndex(P const& pointer) {
         WriteNumber(Number(SmartPart(pointer)));
     }
+    /// The number, and a non-null object is queued for storage.
     template <class P>
     void WriteObjectRef(P const& object) {
         WriteRef(SmartPart(object));
     }
+    /// The count as 4 bytes, then WriteObjectRef of each element.
     template <class List>
     void WriteObjectList(List const& list);
 
+    /// The number, in the width of WriteIndex; 0 when it cannot be read.
     unsigned long long ReadIndex();
+    /// A plain reference: the field is set null and its number noted; nothing is loaded.
     template <class T>
     void ReadIndex(T*& field) {
         field = nullptr;
         ReadRef(&field, false);
     }
+    /// The field is set null, its number noted and its object queued for loading; on a stream
+    /// reader it is the next object at once.
     template <class T>
     void ReadObjectRef(SP<T>& field) {
         field = nullptr;
@@ -142,9 +177,15 @@ public:
         }
         ReadRef(&field, true);
     }
+    /// The count, then one element per stored number, never more elements than the source
+    /// really holds; the list's old elements go.
     template <class List>
     void ReadObjectList(List& list);
 
+    /// @name Resolving
+    /// In UpdateAssociations: each puts the object of the noted number into the field.
+    ///@{
+    /// The plain field borrows the object, which the archive keeps alive.
     template <class T>
     void ResolveIndex(T*& field) {
         bool noted = false;
@@ -159,8 +200,8 @@ public:
         if (noted)
             field = std::move(object);
     }
-    // Returns how many elements stayed null, so that an owner that wants no null entries
-    // knows whether it has to walk its list once more.
+    /// Returns how many elements stayed null, so that an owner that wants no null entries
+    /// knows whether it has to walk its list once more.
     template <class List>
     std::size_t ResolveObjectList(List& list) {
         std::size_t nulls = 0;
@@ -170,22 +211,26 @@ public:
         }
         return nulls;
     }
+    ///@}
 
 protected:
-    // Reads a reference number in the width of the format; false if the source had fewer
-    // bytes than the width.
+    /// Reads a reference number in the width of the format; false if the source had fewer
+    /// bytes than the width.
     bool ReadNumber(unsigned long long& number);
 
-    // Windows into a buffer of the concrete archive: bytes it has read ahead, or room it has
-    // for bytes to write. A value that fits is copied there without the virtual calls of the
-    // general path, which is taken when the window is empty or too small; that path refills
-    // or drains the buffer and may open the window again. An archive opens a window only
-    // where its ReadMemoryBlock or WriteMemoryBlock would do nothing but copy, so either way
-    // gives the same bytes; the read window is open only while reading is possible.
+    /// @name Windows into a buffer of the concrete archive
+    /// Bytes it has read ahead, or room it has for bytes to write. A value that fits is copied
+    /// there without the virtual calls of the general path, which is taken when the window is
+    /// empty or too small; that path refills or drains the buffer and may open the window
+    /// again. An archive opens a window only where its ReadMemoryBlock or WriteMemoryBlock
+    /// would do nothing but copy, so either way gives the same bytes; the read window is open
+    /// only while reading is possible. Null pointers close a window.
+    ///@{
     unsigned char const* m_readNext = nullptr;
     unsigned char const* m_readEnd = nullptr;
     unsigned char* m_writeNext = nullptr;
     unsigned char* m_writeEnd = nullptr;
+    ///@}
 
 private:
     bool TakeFromWindow(void* buffer, std::size_t size) {
@@ -244,17 +289,23 @@ private:
     }
 };
 
-// A narrow string: the tag byte 'S', the length as 4 bytes, the bytes without terminator.
+/// A narrow string: the tag byte 'S', the length as 4 bytes, the bytes without terminator. A
+/// string of 2^32 bytes or more throws BError 32767 instead of being cut.
 template <>
 BArchive& BArchive::operator<<(BString const& value);
-// The same form from text that is not held in a BString, such as a number's digits.
+/// The same form from text that is not held in a BString, such as a number's digits.
 template <>
 BArchive& BArchive::operator<<(std::string_view const& value);
+/// Throws ARCHIVE_BAD_STRING when the tag is missing or wrong, whatever the mode (a closed
+/// archive yields nothing and so throws). A short read is not reported: the rest of the
+/// string stays blanks (for a damaged long length, at most twice the bytes that came).
 template <>
 BArchive& BArchive::operator>>(BString& value);
-// A wide string: the count as 4 signed bytes, then UTF-16LE units, no tag, no terminator.
+/// A wide string: the count as 4 signed bytes, then UTF-16LE units, no tag, no terminator. A
+/// string of 2^31 units or more throws BError 32767.
 template <>
 BArchive& BArchive::operator<<(WString const& value);
+/// A count of 0 or below, or a short read, gives the empty string; nothing is thrown.
 template <>
 BArchive& BArchive::operator>>(WString& value);
 

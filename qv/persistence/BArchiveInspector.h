@@ -1,10 +1,9 @@
 /// \file
 /// BArchiveInspector: a read-only look at an archive file, for tools and diagnostics. For an
-/// object archive it walks the header and the record prefixes the way the archive's own opening
-/// scan does; for a stream archive, whose objects cannot be skipped, it reads the header only.
-/// It walks the header and the record prefixes the way the archive's own opening scan does,
-/// but loads no object and does not stop at the first question: it lists every record it can
-/// reach and names the first damage it meets, with its file position and the reason.
+/// object archive it walks the header and the record prefixes the way the archive's own
+/// opening scan does, but loads no object: it lists every record it can reach and names the
+/// first damage it meets, with its file position and the reason. For a stream archive, whose
+/// objects cannot be skipped, it reads the header only.
 /// Opening a BQuorvelArchive gives only good or not good; this class says why.
 #pragma once
 

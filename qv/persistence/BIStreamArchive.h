@@ -1,14 +1,17 @@
-// BIStreamArchive: reads back what BOStreamArchive wrote, one object after another in the
-// order of writing, each with the objects it refers to. There is no index and no second
-// phase: references arrive as objects, and nothing calls UpdateAssociations. A damaged,
-// truncated or foreign stream gives null objects, an archive that is not good, or the
-// archive's BError, never a crash, a hang or an allocation beyond what the file holds.
+/// \file
+/// BIStreamArchive: the reader of stream archives. docs/archives.md tells the file format.
 #pragma once
 
 #include <memory>
 #include <qv/core/Export.h>
 #include <qv/persistence/BArchive.h>
 
+/// Reads back what BOStreamArchive wrote, one object after another in the order of writing,
+/// each with the objects it refers to. There is no index and no second phase: references
+/// arrive as objects, and nothing calls UpdateAssociations. A damaged, truncated or foreign
+/// stream gives null objects, an archive that is not good, or the archive's BError, never a
+/// crash, a hang or an allocation beyond what the file holds. An archive belongs to one thread
+/// at a time.
 class QV_EXPORT BIStreamArchive : public BArchive {
 public:
     QV_DECLARE_CLASSNAME(BIStreamArchive)

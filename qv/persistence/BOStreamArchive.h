@@ -1,13 +1,15 @@
-// BOStreamArchive: writes one object structure to a file in a single pass, each object in
-// place inside the one that refers to it. Nothing keeps track of what was written: an object
-// reached twice is written twice, and a cycle of object references never ends. Its reader is
-// BIStreamArchive. docs/archives.md tells the file format.
+/// \file
+/// BOStreamArchive: the writer of stream archives. docs/archives.md tells the file format.
 #pragma once
 
 #include <memory>
 #include <qv/core/Export.h>
 #include <qv/persistence/BArchive.h>
 
+/// Writes one object structure to a file in a single pass, each object in place inside the
+/// one that refers to it. Nothing keeps track of what was written: an object reached twice is
+/// written twice, and a cycle of object references is refused once it nests too deep (see
+/// Insert). Its reader is BIStreamArchive. An archive belongs to one thread at a time.
 class QV_EXPORT BOStreamArchive : public BArchive {
 public:
     QV_DECLARE_CLASSNAME(BOStreamArchive)

@@ -1,12 +1,15 @@
-// BBank: a handle on a tree of nodes that addresses nodes by path, as a file system addresses
-// files. A path is "//" for the root, or names separated by "/" with or without one "/" in
-// front, the first name being a child of the root; names match node texts case-blind. Banks
-// are values: copies share one tree. docs/banks.md tells the rules and why.
+/// \file
+/// BBank: a handle on a tree of nodes that addresses nodes by path. docs/banks.md tells the
+/// rules and why.
 #pragma once
 
 #include <qv/core/Export.h>
 #include <qv/tree/BNode.h>
 
+/// Addresses nodes by path, as a file system addresses files. A path is "//" for the root, or
+/// names separated by "/" with or without one "/" in front, the first name being a child of
+/// the root; names match node texts case-blind. Banks are values: copies share one tree, which
+/// has no lock, so threads that share it keep their calls apart.
 class QV_EXPORT BBank {
 public:
     /// The separator of the names of a path.
@@ -14,8 +17,11 @@ public:
 
     /// Holds root, or a new node without object for null; the root is never null.
     BBank(SP<BNode> root = nullptr);
+    /// @name Copies share the root.
+    ///@{
     BBank(BBank const& other) = default;
     BBank& operator=(BBank const& other) = default;
+    ///@}
 
     /// The path of node in this bank ("//" for the root), empty if the root does not include
     /// it.

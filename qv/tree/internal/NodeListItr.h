@@ -1,5 +1,6 @@
-// The walk that the three list iterators of a node share: a pointer into one list, no share
-// of ownership of the list or of the element.
+/// \file
+/// The walk that the three list iterators of a node share: a pointer into one list, no share
+/// of ownership of the list or of the element.
 #pragma once
 
 #include <qv/core/containers/DList.h>
@@ -10,17 +11,22 @@ namespace qv::detail {
 template <class T>
 class NodeListItr {
 public:
+    /// Back to the first element.
     void Restart() { m_pos = m_list->HeadPosition(); }
+    /// @name Whether the walk stands on an element.
+    ///@{
     explicit operator bool() const { return IsValid(); }
     bool IsValid() const { return m_pos.IsValid(); }
-    // Must not be called at the end.
+    ///@}
+    /// The element, borrowed; must not be called at the end.
     T* Current() const { return m_pos->get(); }
+    /// Steps to the next element; at the end it stays there.
     NodeListItr& operator++() {
         if (m_pos.IsValid())
             m_pos.Next();
         return *this;
     }
-    // Gives the element and steps on; must not be called at the end.
+    /// Gives the element and steps on; must not be called at the end.
     T* operator++(int) {
         T* current = Current();
         ++*this;
