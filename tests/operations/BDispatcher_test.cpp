@@ -4,6 +4,7 @@
 #include <qv/operations/BCommandExecutionInterface.h>
 #include <qv/operations/QVPost.h>
 #include <thread>
+#include <tuple>
 
 using namespace operations_test;
 
@@ -62,16 +63,10 @@ namespace {
 class Commands : public BCommandExecutionInterface {
 public:
     int ExecuteCommand(WString command, bool flag, unsigned long value, void* data) override {
-        last = command;
-        lastFlag = flag;
-        lastValue = value;
-        lastData = data;
+        last = {command, flag, value, data};
         return 7;
     }
-    WString last;
-    bool lastFlag = false;
-    unsigned long lastValue = 0;
-    void* lastData = nullptr;
+    std::tuple<WString, bool, unsigned long, void*> last;
 };
 } // namespace
 
@@ -82,10 +77,8 @@ TEST(ExecuteCommand, ForwardsEverythingToTheRegisteredObject) {
     EXPECT_EQ(commands->RefCount(), 2);
     int context = 0;
     EXPECT_EQ(ExecuteCommand(WString(u"Measure"), true, 0xFFFF'FFFF'FFFFul, &context), 7);
-    EXPECT_EQ(commands->last, WString(u"Measure"));
-    EXPECT_TRUE(commands->lastFlag);
-    EXPECT_EQ(commands->lastValue, 0xFFFF'FFFF'FFFFul);
-    EXPECT_EQ(commands->lastData, &context);
+    EXPECT_EQ(commands->last, std::make_tuple(WString(u"Measure"), true, 0xFFFF'FFFF'FFFFul,
+                                              static_cast<void*>(&context)));
     EXPECT_EQ(CommandExecutionInstance().get(), commands.get());
     RegisterCommandExecution(nullptr);
     EXPECT_EQ(commands->RefCount(), 1);
