@@ -136,23 +136,21 @@ TEST_F(RegistryStore, SmallBuffersAreAnsweredWithTheSizeNeeded) {
 }
 
 TEST_F(RegistryStore, AStoreThatCannotBeWrittenRefusesAndAForeignFileStaysAsItWas) {
+    auto create = [](std::uint32_t access) {
+        HKEY key = nullptr;
+        return RegCreateKeyExW(HKEY_CURRENT_USER, u"Software\\X", 0, nullptr, 0, access, nullptr,
+                               &key, nullptr);
+    };
     // Nothing can be made below a plain file, whoever runs the test.
     WriteBytes(m_dir / "file", "x");
     SetRegistryDirectory(m_dir.U("file/store"));
-    HKEY key = nullptr;
-    EXPECT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, u"Software\\X", 0, nullptr, 0, KEY_ALL_ACCESS_RW,
-                              nullptr, &key, nullptr),
-              kRegAccessDenied);
-    EXPECT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, u"Software\\X", 0, nullptr, 0, KEY_READ, nullptr,
-                              &key, nullptr),
-              kRegAccessDenied);
+    EXPECT_EQ(create(KEY_ALL_ACCESS_RW), kRegAccessDenied);
+    EXPECT_EQ(create(KEY_READ), kRegAccessDenied);
 
     SetRegistryDirectory(m_dir.U());
     std::string foreign = "[HKEY_CURRENT_USER\\Software]\r\n\"a\"=\"b\"\r\n";
     WriteBytes(m_dir / "HKEY_CURRENT_USER.reg", foreign);
-    EXPECT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, u"Software\\X", 0, nullptr, 0, KEY_ALL_ACCESS_RW,
-                              nullptr, &key, nullptr),
-              kRegAccessDenied);
+    EXPECT_EQ(create(KEY_ALL_ACCESS_RW), kRegAccessDenied);
     EXPECT_EQ(ReadBytes(m_dir / "HKEY_CURRENT_USER.reg"), foreign);
 }
 
