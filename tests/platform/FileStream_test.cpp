@@ -53,23 +53,17 @@ TEST(FileStream, Utf16WritingMatchesWindowsByteForByte) {
     EXPECT_EQ(ReadBytes(dir / "w.txt"), DataFile("unicode_written_by_windows.txt"));
 }
 
-TEST(FileStream, AppendingWritesOneByteOrderMark) {
-    TempDir dir;
-    for (char16_t const* line : {u"x\n", u"y\n"}) {
-        Stream const f = OpenStream(dir / "log.txt", u"at,ccs=UNICODE");
-        EXPECT_EQ(fputws16(line, f.get()), 0);
-    }
-    EXPECT_EQ(ReadBytes(dir / "log.txt"), DataFile("unicode_appended_by_windows.txt"));
-}
-
-TEST(FileStream, AppendingFollowsTheExistingFilesEncoding) {
+// Appending to a new file writes one byte order mark; to an existing file, in its encoding.
+TEST(FileStream, AppendingFollowsTheFilesEncoding) {
     TempDir dir;
     WriteBytes(dir / "utf8.txt", "\xEF\xBB\xBFu\n");
     WriteBytes(dir / "ansi.txt", "ab\r\n");
-    for (char const* name : {"utf8.txt", "ansi.txt"}) {
-        Stream const f = OpenStream(dir / name, u"at,ccs=UNICODE");
-        EXPECT_EQ(fputws16(name[0] == 'u' ? u"\u00FC\n" : u"c\n", f.get()), 0);
-    }
+    for (auto [name, line] : {std::pair{"log.txt", u"x\n"},
+                              {"log.txt", u"y\n"},
+                              {"utf8.txt", u"\u00FC\n"},
+                              {"ansi.txt", u"c\n"}})
+        EXPECT_EQ(fputws16(line, OpenStream(dir / name, u"at,ccs=UNICODE").get()), 0);
+    EXPECT_EQ(ReadBytes(dir / "log.txt"), DataFile("unicode_appended_by_windows.txt"));
     EXPECT_EQ(ReadBytes(dir / "utf8.txt"), "\xEF\xBB\xBFu\n\xC3\xBC\r\n");
     EXPECT_EQ(ReadBytes(dir / "ansi.txt"), "ab\r\nc\r\n");
 }
