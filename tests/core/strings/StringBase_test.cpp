@@ -15,6 +15,20 @@ std::string B(bool b) {
 std::string N(unsigned long long n) {
     return std::to_string(n);
 }
+// Whether IncludesPos finds the needle, and the position it leaves (99 before the call).
+template <class S>
+std::string FoundAt(S const& s, char const* needle) {
+    unsigned long long pos = 99;
+    bool const found = s.IncludesPos(Lit<S>(needle).c_str(), pos);
+    return B(found) + N(pos);
+}
+// Whether Split splits at c, and the rest it leaves ("old" before the call).
+template <class S>
+std::string SplitAt(S& s, char c, bool first) {
+    S rest = Make<S>("old");
+    bool const split = s.Split(rest, UnitOf<S>(c), first);
+    return B(split) + Ascii(rest);
+}
 } // namespace
 
 // Each row edits or asks a string made from `before` and gives its answer as text; the string
@@ -67,19 +81,9 @@ TYPED_TEST(StringTest, EditsAndQuestions) {
         {"CutAfter the last character: no", "a.", [](S& s) { return B(s.CutAfter(U('.'))); }, "0",
          "="},
         {"Split: the separator starts the rest", "dir/sub/file",
-         [](S& s) {
-             S rest;
-             bool const split = s.Split(rest, U('/'), false);
-             return B(split) + Ascii(rest);
-         },
-         "1/file", "dir/sub"},
+         [](S& s) { return SplitAt(s, '/', false); }, "1/file", "dir/sub"},
         {"Split without the separator empties the rest", "dir",
-         [](S& s) {
-             S rest = M("old");
-             bool const split = s.Split(rest, U('#'));
-             return B(split) + Ascii(rest);
-         },
-         "0", "="},
+         [](S& s) { return SplitAt(s, '#', true); }, "0", "="},
         {"TrimLeft and TrimRight", " \t value \r\n",
          [](S& s) { return B(s.TrimLeft() && s.TrimRight()); }, "1", "value"},
         {"TrimLeft of the terminator: no", "ab", [](S& s) { return B(s.TrimLeft(U(0))); }, "0",
@@ -107,20 +111,8 @@ TYPED_TEST(StringTest, EditsAndQuestions) {
          "a", "="},
         {"Search from", "abcabc", [](S& s) { return N(s.Search(M("bc").CStr(), 2)); }, "4", "="},
         {"Search a string", "abcabc", [](S& s) { return N(s.Search(M("c"), 3)); }, "5", "="},
-        {"IncludesPos", "abcabc",
-         [](S& s) {
-             unsigned long long pos = 99;
-             bool const found = s.IncludesPos(M("ca").CStr(), pos);
-             return B(found) + N(pos);
-         },
-         "12", "="},
-        {"IncludesPos resets pos", "abc",
-         [](S& s) {
-             unsigned long long pos = 99;
-             bool const found = s.IncludesPos(M("x").CStr(), pos);
-             return B(found) + N(pos);
-         },
-         "00", "="},
+        {"IncludesPos", "abcabc", [](S& s) { return FoundAt(s, "ca"); }, "12", "="},
+        {"IncludesPos resets pos", "abc", [](S& s) { return FoundAt(s, "x"); }, "00", "="},
         {"IIncludes text", "abcabc", [](S& s) { return B(s.IIncludes(M("BCA").CStr())); }, "1",
          "="},
         {"IIncludes char", "abc", [](S& s) { return B(s.IIncludes('C')); }, "1", "="},
