@@ -42,14 +42,6 @@ TEST(BError, NewCodesKeepTheArgumentsAndChecksThrowCopies) {
     ExpectError([] { BError::Check(false, 31825, u"file"); }, 31825, u"file");
 }
 
-TEST(BError, ABareCodeConvertsToAnError) {
-    auto code = [](BError const& e) { return e.Error(); };
-    EXPECT_EQ(code(BError::kUserStopsFunction), 25070);
-    BError assigned = 31825;
-    EXPECT_EQ(assigned.Error(), 31825);
-    EXPECT_TRUE(assigned.Argument(0).IsEmpty());
-}
-
 TEST(Narrowing, Boundaries) {
     EXPECT_EQ(Sizet_int(2147483647ull), INT_MAX);
     ExpectError([] { Sizet_int(2147483648ull); }, 32767, u"Sizet_int");

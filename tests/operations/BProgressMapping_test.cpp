@@ -130,16 +130,23 @@ TEST(BProgressMapping, TheStrideShrinksInASlowLoop) {
     }
 }
 
+// The manager is asked through its registered instance; the slot keeps exactly one reference,
+// also when the registered object is registered again.
 TEST(BProgressMappingAndBreak, RaisesOutOfTheStepWhenTheManagerSaysStop) {
     BProgressMappingAndBreak unmanaged(10, 10);
     EXPECT_NO_THROW(unmanaged.StepTo(10)) << "without a manager loops cannot be stopped";
     ButtonSession session;
+    BProgressManager::RegisterInstance(BProgressManager::Instance());
+    EXPECT_EQ(session.button->RefCount(), 2);
     BProgressMappingAndBreak mapping(1000, 10);
     EXPECT_TRUE(mapping.Next(1));
     EXPECT_TRUE(mapping.Next(1)); // fast updates: the stride is now 4
     session.button->stop = true;
     EXPECT_FALSE(mapping.Next(1)) << "no update, no question";
     EXPECT_THROW(mapping.StepTo(1000), BError);
+    BProgressManager::RegisterInstance(nullptr);
+    EXPECT_EQ(BProgressManager::Instance(), nullptr);
+    EXPECT_EQ(session.button->RefCount(), 1);
 }
 
 // An OpenMP loop sharing one mapping, its steps in a critical region, reports what the serial

@@ -6,6 +6,8 @@
 #include <qv/core/BError.h>
 #include <qv/operations/IFunctor.h>
 #include <qv/operations/IFuture.h>
+#include <sstream>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -42,104 +44,59 @@ public:
     std::vector<float> received;
 };
 
+// Digit strings: each digit one entry. Scripts are separated by blanks, "-" is a null entry.
+std::vector<int> Digits(std::string const& text) {
+    std::vector<int> out;
+    for (char c : text)
+        out.push_back(c - '0');
+    return out;
+}
+
 struct Row {
     char const* name;
-    bool all;                              // WaitForAll, else WaitForAny
-    std::vector<std::vector<int>> scripts; // empty script: a null entry
+    bool all; // WaitForAll, else WaitForAny
+    char const* scripts;
     unsigned int limit;
     int cancelled; // -1: no promise, 0: a promise, 1: a cancelled promise
     Async::Result expected;
-    std::vector<int> waits, cancels;
-    std::vector<float> progress; // what the promise received
+    char const *waits, *cancels;
+    char const* progress; // what the promise received, in tenths
 };
 } // namespace
 
 TEST(IFuture, WaitsOverScriptedFutures) {
+    using namespace Async;
     Row const rows[] = {
-        {"all: empty array", true, {}, 1000, 1, Async::Finished, {}, {}, {}},
-        {"any: empty array", false, {}, 1000, 1, Async::Finished, {}, {}, {}},
-        {"all: null entries only", true, {{}, {}}, 1000, 0, Async::FinishedState4, {}, {}, {}},
-        {"any: null entries only", false, {{}, {}}, 1000, 0, Async::FinishedState4, {}, {}, {}},
-        {"all: 4 outranks 2 outranks 0",
-         true,
-         {{0}, {4}, {}, {2}},
-         0,
-         -1,
-         Async::FinishedState4,
-         {1, 1, 1},
-         {0, 0, 0},
-         {}},
-        {"all: waits for the last",
-         true,
-         {{0}, {3, 5, 6, 2}},
-         1000,
-         0,
-         Async::FinishedState2,
-         {4, 4},
-         {0, 0},
-         {}},
-        {"any: first over in array order",
-         false,
-         {{3}, {4}, {0}},
-         0,
-         -1,
-         Async::FinishedState4,
-         {1, 1, 0},
-         {0, 0, 0},
-         {}},
-        {"all: a limit of 0 polls once",
-         true,
-         {{3}, {0}},
-         0,
-         0,
-         Async::Timeout,
-         {1, 1},
-         {0, 0},
-         {}},
-        {"any: timeout is not over",
-         false,
-         {{1}, {6}},
-         0,
-         0,
-         Async::Timeout,
-         {1, 1},
-         {0, 0},
-         {0.0f}},
-        {"all: a cancelled promise cancels every pass",
-         true,
-         {{3, 3, 2}, {0}},
-         1000,
-         1,
-         Async::FinishedState2,
-         {3, 3},
-         {3, 3},
-         {0.5f, 0.5f, 0.5f}},
-        {"any: a promise gets progress on every pass",
-         false,
-         {{3, 3, 2}, {6}},
-         1000,
-         1,
-         Async::FinishedState2,
-         {3, 2},
-         {3, 2},
-         {0.0f, 0.0f}},
+        {"all: empty array", true, "", 1000, 1, Finished, "", "", ""},
+        {"any: empty array", false, "", 1000, 1, Finished, "", "", ""},
+        {"all: null entries only", true, "- -", 1000, 0, FinishedState4, "", "", ""},
+        {"any: null entries only", false, "- -", 1000, 0, FinishedState4, "", "", ""},
+        {"all: 4 outranks 2 outranks 0", true, "0 4 - 2", 0, -1, FinishedState4, "111", "000", ""},
+        {"all: waits for the last", true, "0 3562", 1000, 0, FinishedState2, "44", "00", ""},
+        {"any: first over in array order", false, "3 4 0", 0, -1, FinishedState4, "110", "000", ""},
+        {"all: a limit of 0 polls once", true, "3 0", 0, 0, Timeout, "11", "00", ""},
+        {"any: timeout is not over", false, "1 6", 0, 0, Timeout, "11", "00", "0"},
+        {"all: a cancelled promise cancels", true, "332 0", 1000, 1, Cancelled, "33", "33", "555"},
+        {"any: a promise gets progress", false, "332 6", 1000, 1, Cancelled, "32", "32", "00"},
     };
     for (Row const& row : rows) {
         BArray<SP<IFuture>> futures;
         std::vector<SP<ScriptedFuture>> scripted;
-        for (auto const& script : row.scripts) {
+        std::istringstream scripts(row.scripts);
+        for (std::string script; scripts >> script;) {
             // Progress 0.25, 0.5 ...: WaitForAll hands on the largest.
-            scripted.push_back(script.empty()
-                                   ? nullptr
-                                   : new ScriptedFuture(script, 0.25f * (1 << scripted.size())));
+            scripted.push_back(
+                script == "-" ? nullptr
+                              : new ScriptedFuture(Digits(script), 0.25f * (1 << scripted.size())));
             futures.Add(scripted.back());
         }
         SP<FlagPromise> promise = row.cancelled < 0 ? nullptr : new FlagPromise(row.cancelled == 1);
         auto start = std::chrono::steady_clock::now();
         auto wait = row.all ? &IFuture::WaitForAll : &IFuture::WaitForAny;
         EXPECT_EQ(wait(futures, row.limit, promise), row.expected) << row.name;
+        std::vector<int> const expectedWaits = Digits(row.waits);
         bool const onePass =
-            std::all_of(row.waits.begin(), row.waits.end(), [](int w) { return w <= 1; });
+            std::all_of(expectedWaits.begin(), expectedWaits.end(), [](int w) { return w <= 1; });
         EXPECT_TRUE(!onePass ||
                     std::chrono::steady_clock::now() - start < std::chrono::milliseconds(9))
             << row.name << ": one pass has no sleep";
@@ -150,9 +107,12 @@ TEST(IFuture, WaitsOverScriptedFutures) {
                 cancels.push_back(future->cancels);
             }
         }
-        EXPECT_EQ(waits, row.waits) << row.name;
-        EXPECT_EQ(cancels, row.cancels) << row.name;
-        EXPECT_EQ(promise ? promise->received : std::vector<float>(), row.progress) << row.name;
+        EXPECT_EQ(waits, expectedWaits) << row.name;
+        EXPECT_EQ(cancels, Digits(row.cancels)) << row.name;
+        std::vector<float> progress;
+        for (int tenths : Digits(row.progress))
+            progress.push_back(tenths / 10.0f);
+        EXPECT_EQ(promise ? promise->received : std::vector<float>(), progress) << row.name;
     }
 }
 

@@ -1,6 +1,6 @@
 // Recording stand-ins for the operation suites: a dispatcher and a window that record every
 // message from any thread. The dispatcher names the thread that made it as the dispatcher
-// thread, or none; a Session registers one for its scope.
+// thread, or none; a Session registers one for its scope. Send and Post answer `answer`.
 #pragma once
 
 #include <mutex>
@@ -30,6 +30,7 @@ public:
         return Record({true, m, p1, p2});
     }
     unsigned long ThreadId() override { return m_threadId; }
+    bool answer = true;
     bool Subscribe(BMessageReceiver*) override { return false; }
     bool Unsubscribe(BMessageReceiver*) override { return false; }
 
@@ -56,7 +57,7 @@ private:
     bool Record(Message const& message) {
         std::lock_guard lock(m_mutex);
         m_messages.push_back(message);
-        return true;
+        return answer;
     }
     unsigned long const m_threadId;
     std::mutex m_mutex;

@@ -13,9 +13,7 @@ using namespace qv::platform;
 TEST(FileStreamConcurrent, EachStreamKeepsItsKindAcrossThreads) {
     TempDir dir;
     WriteBytes(dir / "ansi.txt", "ab\r\n");
-    WriteBytes(dir / "wide.txt", std::string("\xFF\xFE"
-                                             "a\0b\0\r\0\n\0",
-                                             10));
+    WriteBytes(dir / "wide.txt", std::string("\xFF\xFE\x61\0b\0\r\0\n\0", 10));
     auto reader = [&](char const* name, char16_t const* mode) {
         std::u16string const path = dir.U(name);
         for (int i = 0; i < 300; ++i) {

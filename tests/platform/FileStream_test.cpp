@@ -17,13 +17,24 @@ void WriteThrough(TempDir const& dir, char16_t const* mode, std::u16string const
 }
 
 // Every unit up to the end, and the end marker itself.
-std::u16string ReadUnits(std::string const& path, char16_t const* mode) {
-    Stream const f = OpenStream(path, mode);
+std::u16string ByUnits(std::FILE* f) {
     std::u16string units;
-    for (int c; (c = fgetwc16(f.get())) != kWEOF;)
+    for (int c; (c = fgetwc16(f)) != kWEOF;)
         units.push_back(static_cast<char16_t>(c));
-    EXPECT_EQ(fgetwc16(f.get()), 0xFFFF);
+    EXPECT_EQ(fgetwc16(f), 0xFFFF);
     return units;
+}
+std::u16string ReadUnits(std::string const& path, char16_t const* mode) {
+    return ByUnits(OpenStream(path, mode).get());
+}
+
+// Every line fgetws16 reads with a buffer of `size` units, joined.
+std::u16string ByLines(std::FILE* f, int size) {
+    std::vector<char16_t> buffer(static_cast<std::size_t>(size));
+    std::u16string got;
+    while (fgetws16(buffer.data(), size, f))
+        got += buffer.data();
+    return got;
 }
 
 std::string FreadAll(std::string const& path, char16_t const* mode) {
@@ -42,23 +53,17 @@ TEST(FileStream, Utf16WritingMatchesWindowsByteForByte) {
     EXPECT_EQ(ReadBytes(dir / "w.txt"), DataFile("unicode_written_by_windows.txt"));
 }
 
-TEST(FileStream, AppendingWritesOneByteOrderMark) {
-    TempDir dir;
-    for (char16_t const* line : {u"x\n", u"y\n"}) {
-        Stream const f = OpenStream(dir / "log.txt", u"at,ccs=UNICODE");
-        EXPECT_EQ(fputws16(line, f.get()), 0);
-    }
-    EXPECT_EQ(ReadBytes(dir / "log.txt"), DataFile("unicode_appended_by_windows.txt"));
-}
-
-TEST(FileStream, AppendingFollowsTheExistingFilesEncoding) {
+// Appending to a new file writes one byte order mark; to an existing file, in its encoding.
+TEST(FileStream, AppendingFollowsTheFilesEncoding) {
     TempDir dir;
     WriteBytes(dir / "utf8.txt", "\xEF\xBB\xBFu\n");
     WriteBytes(dir / "ansi.txt", "ab\r\n");
-    for (char const* name : {"utf8.txt", "ansi.txt"}) {
-        Stream const f = OpenStream(dir / name, u"at,ccs=UNICODE");
-        EXPECT_EQ(fputws16(name[0] == 'u' ? u"\u00FC\n" : u"c\n", f.get()), 0);
-    }
+    for (auto [name, line] : {std::pair{"log.txt", u"x\n"},
+                              {"log.txt", u"y\n"},
+                              {"utf8.txt", u"\u00FC\n"},
+                              {"ansi.txt", u"c\n"}})
+        EXPECT_EQ(fputws16(line, OpenStream(dir / name, u"at,ccs=UNICODE").get()), 0);
+    EXPECT_EQ(ReadBytes(dir / "log.txt"), DataFile("unicode_appended_by_windows.txt"));
     EXPECT_EQ(ReadBytes(dir / "utf8.txt"), "\xEF\xBB\xBFu\n\xC3\xBC\r\n");
     EXPECT_EQ(ReadBytes(dir / "ansi.txt"), "ab\r\nc\r\n");
 }
@@ -118,19 +123,14 @@ TEST(FileStream, LinesComeWholeAcrossBufferBoundaries) {
     {
         Stream const f = OpenStream(dir / "big.txt", u"wt,ccs=UTF-16LE");
         for (int i = 0; i < 3000; ++i) {
-            std::u16string line(static_cast<std::size_t>(i % 700),
-                                static_cast<char16_t>(u'a' + i % 26));
-            line += u'\n';
+            std::u16string const line =
+                std::u16string(static_cast<std::size_t>(i % 700), u'a' + i % 26) + u"\n";
             expected += line;
             ASSERT_EQ(fputws16(line.c_str(), f.get()), 0);
         }
     }
     Stream const f = OpenStream(dir / "big.txt", u"r,ccs=UTF-16LE");
-    std::u16string got;
-    char16_t buffer[512];
-    while (fgetws16(buffer, 512, f.get()))
-        got += buffer;
-    EXPECT_EQ(got, expected);
+    EXPECT_EQ(ByLines(f.get(), 512), expected);
     EXPECT_TRUE(std::feof(f.get()));
     // Rewinding starts again behind the byte order mark.
     std::rewind(f.get());
@@ -145,10 +145,7 @@ TEST(FileStream, CrLfAndOddBytesFoldAtEveryEdgeOfStdiosBuffer) {
         std::vector<char> buffer(size);
         Stream const f = OpenStream(dir / "a.txt", u"r,ccs=UTF-16LE");
         ASSERT_EQ(std::setvbuf(f.get(), buffer.data(), _IOFBF, size), 0);
-        std::u16string units;
-        for (int c; (c = fgetwc16(f.get())) != kWEOF;)
-            units.push_back(static_cast<char16_t>(c));
-        EXPECT_EQ(units, u"a\nb\r\nc\r") << size;
+        EXPECT_EQ(ByUnits(f.get()), u"a\nb\r\nc\r") << size;
     }
     // Unbuffered, stdio reads a byte at a time and then a large fread into the caller's memory.
     Stream const f = OpenStream(dir / "a.txt", u"r,ccs=UTF-16LE");
@@ -179,21 +176,16 @@ TEST(FileStream, CrLfSplitBetweenTheLayersReadsIsFolded) {
     // Lines of three units behind none, one or two: one of the three has a CR last in any read
     // of whole units, with its line feed in the next read.
     for (std::u16string const prefix : {u"", u"x", u"xx"}) {
-        std::u16string text = prefix;
-        for (int i = 0; i < 30000; ++i)
+        std::u16string text = prefix, expected = prefix;
+        for (int i = 0; i < 30000; ++i) {
             text += u"x\r\n";
-        WriteBytes(dir / "e.txt", Utf16File(text));
-        std::u16string expected = prefix;
-        for (int i = 0; i < 30000; ++i)
             expected += u"x\n";
+        }
+        WriteBytes(dir / "e.txt", Utf16File(text));
         Stream const f = OpenStream(dir / "e.txt", u"r,ccs=UTF-16LE");
-        std::u16string got;
-        char16_t line[8];
-        while (fgetws16(line, 8, f.get()))
-            got += line;
-        EXPECT_TRUE(got == expected) << prefix.size(); // no diff of such long texts
+        EXPECT_TRUE(ByLines(f.get(), 8) == expected) << prefix.size(); // no diff of such texts
         std::rewind(f.get());
-        got.assign(expected.size() + 1, u'?');
+        std::u16string got(expected.size() + 1, u'?');
         got.resize(std::fread(got.data(), 2, got.size(), f.get()));
         EXPECT_TRUE(got == expected) << prefix.size();
     }
@@ -232,22 +224,14 @@ TEST(FileStream, LineReadsAfterAnOddByteOrAPushedBackByteSeeWhatUnitReadsSee) {
     for (int i = 0; i < 20000; ++i) // more than stdio's buffer, so that the layer has more
         text += u"abc\r\n";
     WriteBytes(dir / "o.txt", Utf16File(text));
-    auto readAfter = [&](void (*disturb)(std::FILE*), bool byLines) {
-        Stream const f = OpenStream(dir / "o.txt", u"r,ccs=UTF-16LE");
-        disturb(f.get());
-        std::u16string got;
-        char16_t line[16];
-        if (byLines)
-            while (fgetws16(line, 16, f.get()))
-                got += line;
-        else
-            for (int c; (c = fgetwc16(f.get())) != kWEOF;)
-                got.push_back(static_cast<char16_t>(c));
-        return got;
-    };
     for (auto disturb : {+[](std::FILE* f) { std::fgetc(f); },
-                         +[](std::FILE* f) { std::ungetc(std::fgetc(f), f); }})
-        EXPECT_TRUE(readAfter(disturb, true) == readAfter(disturb, false)); // no diff of such texts
+                         +[](std::FILE* f) { std::ungetc(std::fgetc(f), f); }}) {
+        Stream const lines = OpenStream(dir / "o.txt", u"r,ccs=UTF-16LE");
+        Stream const units = OpenStream(dir / "o.txt", u"r,ccs=UTF-16LE");
+        disturb(lines.get());
+        disturb(units.get());
+        EXPECT_TRUE(ByLines(lines.get(), 16) == ByUnits(units.get())); // no diff of such texts
+    }
 }
 
 TEST(FileStream, BadArgumentsAndMissingFiles) {

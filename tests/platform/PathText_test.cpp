@@ -140,8 +140,7 @@ TEST(PathText, SplitPath) {
 TEST(PathText, NativePathAndAbsoluteness) {
     EXPECT_EQ(NativePath(u"sub\\cam1.ini"), "sub/cam1.ini");
     EXPECT_EQ(NativePath(u"\\\\?\\/tmp/x"), "/tmp/x");
-    EXPECT_EQ(NativePath(u"gr\u00FC\u00DFe/\u6587"), "gr\xC3\xBC\xC3\x9F"
-                                                     "e/\xE6\x96\x87");
+    EXPECT_EQ(NativePath(u"gr\u00FC\u00DFe/\u6587"), "gr\xC3\xBC\xC3\x9F\x65/\xE6\x96\x87");
     EXPECT_TRUE(PathIsAbsolute(u"\\a"));
     EXPECT_TRUE(PathIsAbsolute(u"d:"));
     EXPECT_FALSE(PathIsAbsolute(u"a/b"));

@@ -131,28 +131,27 @@ TEST_F(RegistryStore, SmallBuffersAreAnsweredWithTheSizeNeeded) {
     EXPECT_EQ(values, 1u);
     EXPECT_EQ(longestName, 8u);
     EXPECT_EQ(longestData, 40u);
-    EXPECT_EQ(RegQueryValueExW(key, u"none", nullptr, nullptr, nullptr, &size), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(RegQueryValueExW(key, u"none", nullptr, nullptr, nullptr, &size),
+              ERROR_FILE_NOT_FOUND);
     RegCloseKey(key);
 }
 
 TEST_F(RegistryStore, AStoreThatCannotBeWrittenRefusesAndAForeignFileStaysAsItWas) {
+    auto create = [](std::uint32_t access) {
+        HKEY key = nullptr;
+        return RegCreateKeyExW(HKEY_CURRENT_USER, u"Software\\X", 0, nullptr, 0, access, nullptr,
+                               &key, nullptr);
+    };
     // Nothing can be made below a plain file, whoever runs the test.
     WriteBytes(m_dir / "file", "x");
     SetRegistryDirectory(m_dir.U("file/store"));
-    HKEY key = nullptr;
-    EXPECT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, u"Software\\X", 0, nullptr, 0, KEY_ALL_ACCESS_RW,
-                              nullptr, &key, nullptr),
-              ERROR_ACCESS_DENIED);
-    EXPECT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, u"Software\\X", 0, nullptr, 0, KEY_READ, nullptr,
-                              &key, nullptr),
-              ERROR_ACCESS_DENIED);
+    EXPECT_EQ(create(KEY_ALL_ACCESS_RW), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(create(KEY_READ), ERROR_ACCESS_DENIED);
 
     SetRegistryDirectory(m_dir.U());
     std::string foreign = "[HKEY_CURRENT_USER\\Software]\r\n\"a\"=\"b\"\r\n";
     WriteBytes(m_dir / "HKEY_CURRENT_USER.reg", foreign);
-    EXPECT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, u"Software\\X", 0, nullptr, 0, KEY_ALL_ACCESS_RW,
-                              nullptr, &key, nullptr),
-              ERROR_ACCESS_DENIED);
+    EXPECT_EQ(create(KEY_ALL_ACCESS_RW), ERROR_ACCESS_DENIED);
     EXPECT_EQ(ReadBytes(m_dir / "HKEY_CURRENT_USER.reg"), foreign);
 }
 

@@ -90,9 +90,12 @@ TEST(SlimRWLockConcurrent, ExclusiveHoldersNeverOverlap) {
     EXPECT_EQ(counter, 40000);
 }
 
-TEST(CriticalSectionConcurrent, KeepsOtherThreadsOut) {
+// Recursive for its owner, closed to every other thread until the owner has left it.
+TEST(CriticalSectionConcurrent, IsRecursiveAndKeepsOtherThreadsOut) {
     CRITICAL_SECTION section;
     EnterCriticalSection(&section);
+    EXPECT_TRUE(TryEnterCriticalSection(&section));
+    LeaveCriticalSection(&section);
     Start([&] { EXPECT_FALSE(TryEnterCriticalSection(&section)); }).get();
     LeaveCriticalSection(&section);
     Start([&] {
@@ -101,11 +104,16 @@ TEST(CriticalSectionConcurrent, KeepsOtherThreadsOut) {
     }).get();
 }
 
+// Slots start null, and each thread has its own value; a freed slot is refused.
 TEST(ThreadLocalStorageConcurrent, EachThreadHasItsOwnValue) {
     std::uint32_t const index = TlsAlloc();
+    ASSERT_NE(index, TLS_OUT_OF_INDEXES);
+    EXPECT_EQ(TlsGetValue(index), nullptr);
     int mine = 0;
-    TlsSetValue(index, &mine);
+    EXPECT_TRUE(TlsSetValue(index, &mine));
     Start([&] { EXPECT_EQ(TlsGetValue(index), nullptr); }).get();
     EXPECT_EQ(TlsGetValue(index), &mine);
-    TlsFree(index);
+    EXPECT_TRUE(TlsFree(index));
+    EXPECT_FALSE(TlsFree(index));
+    EXPECT_FALSE(TlsSetValue(TLS_OUT_OF_INDEXES, &mine));
 }

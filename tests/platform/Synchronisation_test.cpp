@@ -1,9 +1,7 @@
 #include <chrono>
 #include <gtest/gtest.h>
-#include <qv/platform/CriticalSection.h>
 #include <qv/platform/ManualResetEvent.h>
 #include <qv/platform/SlimRWLock.h>
-#include <qv/platform/ThreadLocalStorage.h>
 
 using namespace qv::platform;
 using namespace std::chrono_literals;
@@ -36,24 +34,4 @@ TEST(SlimRWLock, SharedHoldsCountAndKeepTheExclusiveSideOut) {
     ReleaseSRWLockExclusive(lock);
     EXPECT_TRUE(TryAcquireSRWLockShared(lock));
     ReleaseSRWLockShared(lock);
-}
-
-TEST(CriticalSection, IsRecursive) {
-    CRITICAL_SECTION section;
-    EnterCriticalSection(&section);
-    EXPECT_TRUE(TryEnterCriticalSection(&section));
-    LeaveCriticalSection(&section);
-    LeaveCriticalSection(&section);
-}
-
-TEST(ThreadLocalStorage, SlotsStartNullAndKeepTheirValue) {
-    std::uint32_t const index = TlsAlloc();
-    ASSERT_NE(index, TLS_OUT_OF_INDEXES);
-    EXPECT_EQ(TlsGetValue(index), nullptr);
-    int value = 0;
-    EXPECT_TRUE(TlsSetValue(index, &value));
-    EXPECT_EQ(TlsGetValue(index), &value);
-    EXPECT_TRUE(TlsFree(index));
-    EXPECT_FALSE(TlsFree(index));
-    EXPECT_FALSE(TlsSetValue(TLS_OUT_OF_INDEXES, &value));
 }

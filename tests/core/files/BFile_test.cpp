@@ -92,8 +92,7 @@ TEST(BFile, ConvertToUnicodeKeepsPercentSignsAndLineEnds) {
     // A zero byte ends its block's text.
     WriteBytes(dir / "z.txt", "ab\0cd"s);
     EXPECT_EQ(BFile::ConvertToUnicode(dir.U("z.txt").c_str()), 0);
-    EXPECT_EQ(ReadBytes(dir / "z.txt"), "\xFF\xFE"
-                                        "a\0b\0"s);
+    EXPECT_EQ(ReadBytes(dir / "z.txt"), "\xFF\xFE\x61\0b\0"s);
 }
 
 TEST(BFile, DeleteByPatternSkipsReadOnlyFilesAndDirectories) {
