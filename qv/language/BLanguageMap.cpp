@@ -1,6 +1,11 @@
 // Implementation details of BLanguageMap.
 //
-// One std::map ordered case-blind holds the entries: key to its current and its default text.
+// One hash table keyed case-blind holds the entries: key to its current and its default text.
+// Its hash agrees with ICmp (texts ICmp calls equal hash alike) and its equality is ICmp, so
+// it holds the keys a case-blind ordered map would, while an Add or a lookup costs one hash and
+// about one comparison instead of a tree search whose nodes leave the cache as the map grows.
+// The order of keys matters only where entries are listed (export, Entries, TranslateBack):
+// those sort what they list by ICmp, which gives the order of the ordered map.
 // Beside it a reverse index lists, for each default text (again case-blind), the keys without
 // underscore that carry it: Add asks it whether a one-word key's default text is taken already,
 // which would otherwise be a walk over the whole map per entry and make filling quadratic.
@@ -12,15 +17,18 @@
 // stops at the end of the file and at a read error alike, so a damaged stream never loops.
 #include <qv/language/BLanguageMap.h>
 // Own header above, what it builds on below.
+#include <algorithm>
 #include <cstdio>
-#include <map>
 #include <qv/core/files/BFile.h>
 #include <qv/platform/FileSystem.h>
+#include <qv/platform/TextHash.h>
 #include <qv/platform/TextServices.h>
 #include <qv/platform/WideStream.h>
-#include <set>
 #include <string>
+#include <type_traits>
+#include <unordered_map>
 #include <utility>
+#include <vector>
 
 QV_REGISTER_CLASSNAME(BLanguageMap);
 
@@ -115,9 +123,46 @@ namespace {
 // The texts of one key. Defined here, not inside State, so that the map's code stays inside the
 // library: a type nested in an exported class would be exported with every instantiation.
 struct Texts {
+    WString key;  // as last added: the table's own key keeps the spelling that came first
     WString text; // of the current language
     WString defaultText;
 };
+
+// Case-blind hashing and equality as ICmp decides it: keys that ICmp calls equal are one key.
+struct IHash {
+    std::size_t operator()(WString const& s) const {
+        return static_cast<std::size_t>(qv::platform::HashForCmpIW(s.CStr()));
+    }
+};
+struct IEqualTo {
+    bool operator()(WString const& a, WString const& b) const { return a.ICmp(b) == 0; }
+};
+template <class V>
+using ICaseMap = std::unordered_map<WString, V, IHash, IEqualTo>;
+
+} // namespace
+
+#if defined(__GLIBCXX__)
+// The hash reads the whole text: libstdc++ then has to keep each node's hash, or every step
+// along a chain and every rehash would hash the node's key again, reaching into its text.
+template <>
+struct std::__is_fast_hash<IHash> : std::false_type {};
+#endif
+
+namespace {
+
+// Keys in ascending ICmp order, the order in which an ordered map would list them.
+template <class Key>
+void SortKeys(std::vector<Key>& keys) {
+    auto const key = [](Key const& k) -> WString const& {
+        if constexpr (std::is_pointer_v<Key>)
+            return k->first;
+        else
+            return k;
+    };
+    std::sort(keys.begin(), keys.end(),
+              [&](Key const& a, Key const& b) { return key(a).ICmp(key(b)) < 0; });
+}
 
 } // namespace
 
@@ -125,22 +170,40 @@ struct BLanguageMap::State {
 
     bool reportMissingTranslations = false;
     bool testMode = false;
-    // Key to both its texts: one tree instead of a current and a default map with the same keys
-    // halves the searches of every Add and lookup.
-    std::map<WString, Texts, WString::ILess> entries;
+    // Key to both its texts: one table instead of a current and a default map with the same
+    // keys halves the searches of every Add and lookup.
+    ICaseMap<Texts> entries;
     WString currentLanguage;
-    // Default text to the keys without underscore that carry it, both case-blind.
-    std::map<WString, std::set<WString, WString::ILess>, WString::ILess> oneWordKeysByDefault;
+    // Default text to the keys without underscore that carry it, both case-blind; never an
+    // empty list.
+    ICaseMap<std::vector<WString>> oneWordKeysByDefault;
 
-    void UnindexOneWordKey(WString const& key, WString const& defaultText) {
-        if (!HasPrefix(key, u"$"))
-            return;
-        auto const entry = oneWordKeysByDefault.find(defaultText);
+    using Index = ICaseMap<std::vector<WString>>;
+
+    // Takes a one-word key out of the index. The entry keep is about to take a key, so it
+    // stays even when emptied.
+    void UnindexOneWordKey(WString const& key, WString const& defaultText, Index::iterator keep) {
+        auto const entry =
+            defaultText.IEqual(keep->first) ? keep : oneWordKeysByDefault.find(defaultText);
         if (entry == oneWordKeysByDefault.end())
             return;
-        entry->second.erase(key);
-        if (entry->second.empty())
+        std::vector<WString>& keys = entry->second;
+        auto const found =
+            std::find_if(keys.begin(), keys.end(), [&](WString const& k) { return k.IEqual(key); });
+        if (found != keys.end())
+            keys.erase(found);
+        if (keys.empty() && entry != keep)
             oneWordKeysByDefault.erase(entry);
+    }
+
+    // The entries in ascending key order.
+    std::vector<ICaseMap<Texts>::value_type const*> Ordered() const {
+        std::vector<ICaseMap<Texts>::value_type const*> ordered;
+        ordered.reserve(entries.size());
+        for (auto const& entry : entries)
+            ordered.push_back(&entry);
+        SortKeys(ordered);
+        return ordered;
     }
 };
 
@@ -158,30 +221,28 @@ int BLanguageMap::Add(WString key, WString defaultText, WString text, bool repla
     int result = 0;
     if (s.reportMissingTranslations && defaultText.IsEmpty())
         result = kIdWithoutText;
-    // One search: the place found serves the lookup and the insertion.
-    WString::ILess const less;
-    auto place = s.entries.lower_bound(key);
-    bool const present = place != s.entries.end() && !less(key, place->first);
-    if (present && !replace)
+    // One search serves the lookup and the insertion; a key that stays out leaves no trace.
+    auto const [place, inserted] = s.entries.try_emplace(key);
+    if (!inserted && !replace)
         return kIdNotUnique;
     if (text.IsEmpty() && useDefault) {
         text = defaultText;
         if (s.reportMissingTranslations)
             result = kIdWithoutText;
     }
-    bool const oneWord = HasPrefix(key, u"$");
-    // With replace the key's own old entry is still indexed here and counts, as it does for a
-    // walk over the map.
-    if (oneWord && s.oneWordKeysByDefault.contains(defaultText))
-        result = kIdNotBiunique;
-    if (present) {
-        s.UnindexOneWordKey(place->first, place->second.defaultText);
-        place = s.entries.erase(place);
+    // Keys that ICmp calls equal agree on underscores, so the old entry of a one-word key was
+    // one-word too, and only those are indexed.
+    if (HasPrefix(key, u"$")) {
+        auto const keys = s.oneWordKeysByDefault.try_emplace(defaultText).first;
+        // With replace the key's own old entry is still indexed here and counts, as it does
+        // for a walk over the map.
+        if (!keys->second.empty())
+            result = kIdNotBiunique;
+        if (!inserted)
+            s.UnindexOneWordKey(place->second.key, place->second.defaultText, keys);
+        keys->second.push_back(key);
     }
-    if (oneWord)
-        s.oneWordKeysByDefault[defaultText].insert(key);
-    s.entries.emplace_hint(place, std::move(key),
-                           Texts{std::move(text), std::move(defaultText)});
+    place->second = Texts{std::move(key), std::move(text), std::move(defaultText)};
     return result;
 }
 
@@ -236,17 +297,21 @@ int BLanguageMap::TranslateBack(WString text, WString& keys, WString prefix,
         else
             keys.Append(u',').Append(key);
     };
+    std::vector<WString> matches;
     if (language == DEFAULT && prefix.Equal(u"$")) {
         auto const entry = m_state->oneWordKeysByDefault.find(text);
         if (entry != m_state->oneWordKeysByDefault.end())
-            for (WString const& key : entry->second)
-                note(key);
-        return count;
+            matches = entry->second;
+    } else {
+        for (auto const& [_, texts] : m_state->entries)
+            if ((language == DEFAULT ? texts.defaultText : texts.text).IEqual(text) &&
+                HasPrefix(texts.key, prefix))
+                matches.push_back(texts.key);
     }
-    for (auto const& [key, texts] : m_state->entries)
-        if ((language == DEFAULT ? texts.defaultText : texts.text).IEqual(text) &&
-            HasPrefix(key, prefix))
-            note(key);
+    // Listed in ascending key order, as a walk over an ordered map meets them.
+    SortKeys(matches);
+    for (WString const& key : matches)
+        note(key);
     return count;
 }
 
@@ -269,8 +334,8 @@ bool BLanguageMap::GetReportMissingTranslations() const {
 std::vector<BLanguageMap::Entry> BLanguageMap::Entries() const {
     std::vector<Entry> entries;
     entries.reserve(m_state->entries.size());
-    for (auto const& [key, texts] : m_state->entries)
-        entries.push_back({key, texts.defaultText, texts.text});
+    for (auto const* entry : m_state->Ordered())
+        entries.push_back({entry->second.key, entry->second.defaultText, entry->second.text});
     return entries;
 }
 
@@ -431,8 +496,8 @@ int BLanguageMap::ExportMapFile(WString path) const {
         return kCannotCreateFile;
     LineWriter out(file);
     // The second cell stays empty: the file carries the key and the current language's text.
-    for (auto const& [key, texts] : m_state->entries)
-        out << key << u"\t\t" << texts.text << u"\n";
+    for (auto const* entry : m_state->Ordered())
+        out << entry->second.key << u"\t\t" << entry->second.text << u"\n";
     return 0;
 }
 

@@ -18,6 +18,9 @@ public:
     static unsigned long long HashKey(WString const& key);
     // The first 5 characters at most, each taken as a signed byte: h = h * 33 + character.
     static unsigned long long HashKey(BString const& key);
+    // Of the whole key, agreeing with WString's equality (the locale rule): keys it calls equal
+    // hash alike.
+    static unsigned long long FullHashKey(WString const& key);
     // The object's address: SP keys are equal by identity.
     template <class T>
     static unsigned long long HashKey(SP<T> const& key) {
