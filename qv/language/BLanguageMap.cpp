@@ -18,6 +18,7 @@
 #include <qv/language/BLanguageMap.h>
 // Own header above, what it builds on below.
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <qv/core/files/BFile.h>
 #include <qv/platform/FileSystem.h>
@@ -26,7 +27,6 @@
 #include <qv/platform/WideStream.h>
 #include <string>
 #include <type_traits>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -128,28 +128,84 @@ struct Texts {
     WString defaultText;
 };
 
-// Case-blind hashing and equality as ICmp decides it: keys that ICmp calls equal are one key.
-struct IHash {
-    std::size_t operator()(WString const& s) const {
-        return static_cast<std::size_t>(qv::platform::HashForCmpIW(s.CStr()));
-    }
-};
-struct IEqualTo {
-    bool operator()(WString const& a, WString const& b) const { return a.ICmp(b) == 0; }
-};
+// A table keyed case-blind as ICmp decides: keys that ICmp calls equal are one key. Items stand
+// in a vector in order of addition; beside it an open-addressed array of slots, each the low 32
+// bits of the item's hash and its index, is all a search touches until a hash matches. At 20,000
+// keys the slots (256 KB) stay in the cache where a node-based table's nodes, spread between the
+// strings, would not. Items are never erased one by one, only all at once.
 template <class V>
-using ICaseMap = std::unordered_map<WString, V, IHash, IEqualTo>;
+class ICaseTable {
+public:
+    struct Item {
+        WString first;
+        V second;
+    };
 
-} // namespace
+    // The item with key, made with V() if there was none; true when it was made. The pointer
+    // holds until the next addition.
+    std::pair<Item*, bool> try_emplace(WString const& key) {
+        std::uint32_t const tag = Tag(key);
+        std::size_t pos = Search(key, tag);
+        if (m_slots[pos] != 0)
+            return {&m_items[Index(m_slots[pos])], false};
+        if ((m_items.size() + 1) * 2 > m_slots.size()) {
+            Grow();
+            pos = Search(key, tag);
+        }
+        m_items.push_back(Item{key, V()});
+        m_slots[pos] = std::uint64_t{tag} << 32 | m_items.size();
+        return {&m_items.back(), true};
+    }
+    Item const* find(WString const& key) const {
+        std::uint64_t const slot = m_slots[Search(key, Tag(key))];
+        return slot ? &m_items[Index(slot)] : nullptr;
+    }
+    Item* find(WString const& key) { return const_cast<Item*>(std::as_const(*this).find(key)); }
+    void clear() {
+        m_items.clear();
+        m_slots.assign(kFirstSlots, 0);
+    }
+    std::size_t size() const { return m_items.size(); }
+    auto begin() const { return m_items.begin(); }
+    auto end() const { return m_items.end(); }
 
-#if defined(__GLIBCXX__)
-// The hash reads the whole text: libstdc++ then has to keep each node's hash, or every step
-// along a chain and every rehash would hash the node's key again, reaching into its text.
-template <>
-struct std::__is_fast_hash<IHash> : std::false_type {};
-#endif
+private:
+    static constexpr std::size_t kFirstSlots = 16;
 
-namespace {
+    static std::uint32_t Tag(WString const& key) {
+        return static_cast<std::uint32_t>(qv::platform::HashForCmpIW(key.CStr()));
+    }
+    static std::size_t Index(std::uint64_t slot) { return (slot & 0xFFFFFFFFu) - 1; }
+    // The slot holding key, or the empty slot where it would go.
+    std::size_t Search(WString const& key, std::uint32_t tag) const {
+        std::size_t const mask = m_slots.size() - 1;
+        for (std::size_t pos = tag & mask;; pos = (pos + 1) & mask) {
+            std::uint64_t const slot = m_slots[pos];
+            if (slot == 0 || ((slot >> 32) == tag && m_items[Index(slot)].first.ICmp(key) == 0))
+                return pos;
+        }
+    }
+    // Twice the slots; each item goes to the first free slot from its tag on.
+    void Grow() {
+        std::vector<std::uint64_t> slots(m_slots.size() * 2, 0);
+        std::size_t const mask = slots.size() - 1;
+        for (std::uint64_t slot : m_slots) {
+            if (slot == 0)
+                continue;
+            std::size_t pos = (slot >> 32) & mask;
+            while (slots[pos] != 0)
+                pos = (pos + 1) & mask;
+            slots[pos] = slot;
+        }
+        m_slots.swap(slots);
+    }
+
+    std::vector<Item> m_items;
+    std::vector<std::uint64_t> m_slots = std::vector<std::uint64_t>(kFirstSlots, 0);
+};
+
+template <class V>
+using ICaseMap = ICaseTable<V>;
 
 // Keys in ascending ICmp order, the order in which an ordered map would list them.
 template <class Key>
@@ -174,31 +230,24 @@ struct BLanguageMap::State {
     // keys halves the searches of every Add and lookup.
     ICaseMap<Texts> entries;
     WString currentLanguage;
-    // Default text to the keys without underscore that carry it, both case-blind; never an
-    // empty list.
+    // Default text to the keys without underscore that carry it, both case-blind. A text whose
+    // keys have all gone keeps an empty list, which counts as not taken.
     ICaseMap<std::vector<WString>> oneWordKeysByDefault;
 
-    using Index = ICaseMap<std::vector<WString>>;
-
-    // Takes a one-word key out of the index. The entry keep is about to take a key, so it
-    // stays even when emptied.
-    void UnindexOneWordKey(WString const& key, WString const& defaultText, Index::iterator keep) {
-        auto const entry =
-            defaultText.IEqual(keep->first) ? keep : oneWordKeysByDefault.find(defaultText);
-        if (entry == oneWordKeysByDefault.end())
+    void UnindexOneWordKey(WString const& key, WString const& defaultText) {
+        auto* const entry = oneWordKeysByDefault.find(defaultText);
+        if (entry == nullptr)
             return;
         std::vector<WString>& keys = entry->second;
         auto const found =
             std::find_if(keys.begin(), keys.end(), [&](WString const& k) { return k.IEqual(key); });
         if (found != keys.end())
             keys.erase(found);
-        if (keys.empty() && entry != keep)
-            oneWordKeysByDefault.erase(entry);
     }
 
     // The entries in ascending key order.
-    std::vector<ICaseMap<Texts>::value_type const*> Ordered() const {
-        std::vector<ICaseMap<Texts>::value_type const*> ordered;
+    std::vector<ICaseMap<Texts>::Item const*> Ordered() const {
+        std::vector<ICaseMap<Texts>::Item const*> ordered;
         ordered.reserve(entries.size());
         for (auto const& entry : entries)
             ordered.push_back(&entry);
@@ -239,7 +288,7 @@ int BLanguageMap::Add(WString key, WString defaultText, WString text, bool repla
         if (!keys->second.empty())
             result = kIdNotBiunique;
         if (!inserted)
-            s.UnindexOneWordKey(place->second.key, place->second.defaultText, keys);
+            s.UnindexOneWordKey(place->second.key, place->second.defaultText);
         keys->second.push_back(key);
     }
     place->second = Texts{std::move(key), std::move(text), std::move(defaultText)};
@@ -252,12 +301,12 @@ void BLanguageMap::Clear() {
 }
 
 bool BLanguageMap::Includes(WString key) const {
-    return m_state->entries.contains(key);
+    return m_state->entries.find(key) != nullptr;
 }
 
 bool BLanguageMap::Find(WString const& key, WString& text, bool current) const {
-    auto const found = m_state->entries.find(key);
-    if (found == m_state->entries.end())
+    auto const* found = m_state->entries.find(key);
+    if (found == nullptr)
         return false;
     text = current ? found->second.text : found->second.defaultText;
     return true;
@@ -299,8 +348,8 @@ int BLanguageMap::TranslateBack(WString text, WString& keys, WString prefix,
     };
     std::vector<WString> matches;
     if (language == DEFAULT && prefix.Equal(u"$")) {
-        auto const entry = m_state->oneWordKeysByDefault.find(text);
-        if (entry != m_state->oneWordKeysByDefault.end())
+        auto const* entry = m_state->oneWordKeysByDefault.find(text);
+        if (entry != nullptr)
             matches = entry->second;
     } else {
         for (auto const& [_, texts] : m_state->entries)
