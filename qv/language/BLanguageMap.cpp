@@ -1,6 +1,11 @@
 // Implementation details of BLanguageMap.
 //
-// One std::map ordered case-blind holds the entries: key to its current and its default text.
+// One hash table keyed case-blind holds the entries: key to its current and its default text.
+// Its hash agrees with ICmp (texts ICmp calls equal hash alike) and its equality is ICmp, so
+// it holds the keys a case-blind ordered map would, while an Add or a lookup costs one hash and
+// about one comparison instead of a tree search whose nodes leave the cache as the map grows.
+// The order of keys matters only where entries are listed (export, Entries, TranslateBack):
+// those sort what they list by ICmp, which gives the order of the ordered map.
 // Beside it a reverse index lists, for each default text (again case-blind), the keys without
 // underscore that carry it: Add asks it whether a one-word key's default text is taken already,
 // which would otherwise be a walk over the whole map per entry and make filling quadratic.
@@ -12,15 +17,18 @@
 // stops at the end of the file and at a read error alike, so a damaged stream never loops.
 #include <qv/language/BLanguageMap.h>
 // Own header above, what it builds on below.
+#include <algorithm>
+#include <cstdint>
 #include <cstdio>
-#include <map>
 #include <qv/core/files/BFile.h>
 #include <qv/platform/FileSystem.h>
+#include <qv/platform/TextHash.h>
 #include <qv/platform/TextServices.h>
 #include <qv/platform/WideStream.h>
-#include <set>
 #include <string>
+#include <type_traits>
 #include <utility>
+#include <vector>
 
 QV_REGISTER_CLASSNAME(BLanguageMap);
 
@@ -115,9 +123,102 @@ namespace {
 // The texts of one key. Defined here, not inside State, so that the map's code stays inside the
 // library: a type nested in an exported class would be exported with every instantiation.
 struct Texts {
+    WString key;  // as last added: the table's own key keeps the spelling that came first
     WString text; // of the current language
     WString defaultText;
 };
+
+// A table keyed case-blind as ICmp decides: keys that ICmp calls equal are one key. Items stand
+// in a vector in order of addition; beside it an open-addressed array of slots, each the low 32
+// bits of the item's hash and its index, is all a search touches until a hash matches. At 20,000
+// keys the slots (256 KB) stay in the cache where a node-based table's nodes, spread between the
+// strings, would not. Items are never erased one by one, only all at once.
+template <class V>
+class ICaseTable {
+public:
+    struct Item {
+        WString first;
+        V second;
+    };
+
+    // The item with key, made with V() if there was none; true when it was made. The pointer
+    // holds until the next addition.
+    std::pair<Item*, bool> try_emplace(WString const& key) {
+        std::uint32_t const tag = Tag(key);
+        std::size_t pos = Search(key, tag);
+        if (m_slots[pos] != 0)
+            return {&m_items[Index(m_slots[pos])], false};
+        if ((m_items.size() + 1) * 2 > m_slots.size()) {
+            Grow();
+            pos = Search(key, tag);
+        }
+        m_items.push_back(Item{key, V()});
+        m_slots[pos] = std::uint64_t{tag} << 32 | m_items.size();
+        return {&m_items.back(), true};
+    }
+    Item const* find(WString const& key) const {
+        std::uint64_t const slot = m_slots[Search(key, Tag(key))];
+        return slot ? &m_items[Index(slot)] : nullptr;
+    }
+    Item* find(WString const& key) { return const_cast<Item*>(std::as_const(*this).find(key)); }
+    void clear() {
+        m_items.clear();
+        m_slots.assign(kFirstSlots, 0);
+    }
+    std::size_t size() const { return m_items.size(); }
+    auto begin() const { return m_items.begin(); }
+    auto end() const { return m_items.end(); }
+
+private:
+    static constexpr std::size_t kFirstSlots = 16;
+
+    static std::uint32_t Tag(WString const& key) {
+        return static_cast<std::uint32_t>(qv::platform::HashForCmpIW(key.CStr()));
+    }
+    static std::size_t Index(std::uint64_t slot) { return (slot & 0xFFFFFFFFu) - 1; }
+    // The slot holding key, or the empty slot where it would go.
+    std::size_t Search(WString const& key, std::uint32_t tag) const {
+        std::size_t const mask = m_slots.size() - 1;
+        for (std::size_t pos = tag & mask;; pos = (pos + 1) & mask) {
+            std::uint64_t const slot = m_slots[pos];
+            if (slot == 0 || ((slot >> 32) == tag && m_items[Index(slot)].first.ICmp(key) == 0))
+                return pos;
+        }
+    }
+    // Twice the slots; each item goes to the first free slot from its tag on.
+    void Grow() {
+        std::vector<std::uint64_t> slots(m_slots.size() * 2, 0);
+        std::size_t const mask = slots.size() - 1;
+        for (std::uint64_t slot : m_slots) {
+            if (slot == 0)
+                continue;
+            std::size_t pos = (slot >> 32) & mask;
+            while (slots[pos] != 0)
+                pos = (pos + 1) & mask;
+            slots[pos] = slot;
+        }
+        m_slots.swap(slots);
+    }
+
+    std::vector<Item> m_items;
+    std::vector<std::uint64_t> m_slots = std::vector<std::uint64_t>(kFirstSlots, 0);
+};
+
+template <class V>
+using ICaseMap = ICaseTable<V>;
+
+// Keys in ascending ICmp order, the order in which an ordered map would list them.
+template <class Key>
+void SortKeys(std::vector<Key>& keys) {
+    auto const key = [](Key const& k) -> WString const& {
+        if constexpr (std::is_pointer_v<Key>)
+            return k->first;
+        else
+            return k;
+    };
+    std::sort(keys.begin(), keys.end(),
+              [&](Key const& a, Key const& b) { return key(a).ICmp(key(b)) < 0; });
+}
 
 } // namespace
 
@@ -125,22 +226,33 @@ struct BLanguageMap::State {
 
     bool reportMissingTranslations = false;
     bool testMode = false;
-    // Key to both its texts: one tree instead of a current and a default map with the same keys
-    // halves the searches of every Add and lookup.
-    std::map<WString, Texts, WString::ILess> entries;
+    // Key to both its texts: one table instead of a current and a default map with the same
+    // keys halves the searches of every Add and lookup.
+    ICaseMap<Texts> entries;
     WString currentLanguage;
-    // Default text to the keys without underscore that carry it, both case-blind.
-    std::map<WString, std::set<WString, WString::ILess>, WString::ILess> oneWordKeysByDefault;
+    // Default text to the keys without underscore that carry it, both case-blind. A text whose
+    // keys have all gone keeps an empty list, which counts as not taken.
+    ICaseMap<std::vector<WString>> oneWordKeysByDefault;
 
     void UnindexOneWordKey(WString const& key, WString const& defaultText) {
-        if (!HasPrefix(key, u"$"))
+        auto* const entry = oneWordKeysByDefault.find(defaultText);
+        if (entry == nullptr)
             return;
-        auto const entry = oneWordKeysByDefault.find(defaultText);
-        if (entry == oneWordKeysByDefault.end())
-            return;
-        entry->second.erase(key);
-        if (entry->second.empty())
-            oneWordKeysByDefault.erase(entry);
+        std::vector<WString>& keys = entry->second;
+        auto const found =
+            std::find_if(keys.begin(), keys.end(), [&](WString const& k) { return k.IEqual(key); });
+        if (found != keys.end())
+            keys.erase(found);
+    }
+
+    // The entries in ascending key order.
+    std::vector<ICaseMap<Texts>::Item const*> Ordered() const {
+        std::vector<ICaseMap<Texts>::Item const*> ordered;
+        ordered.reserve(entries.size());
+        for (auto const& entry : entries)
+            ordered.push_back(&entry);
+        SortKeys(ordered);
+        return ordered;
     }
 };
 
@@ -158,30 +270,28 @@ int BLanguageMap::Add(WString key, WString defaultText, WString text, bool repla
     int result = 0;
     if (s.reportMissingTranslations && defaultText.IsEmpty())
         result = kIdWithoutText;
-    // One search: the place found serves the lookup and the insertion.
-    WString::ILess const less;
-    auto place = s.entries.lower_bound(key);
-    bool const present = place != s.entries.end() && !less(key, place->first);
-    if (present && !replace)
+    // One search serves the lookup and the insertion; a key that stays out leaves no trace.
+    auto const [place, inserted] = s.entries.try_emplace(key);
+    if (!inserted && !replace)
         return kIdNotUnique;
     if (text.IsEmpty() && useDefault) {
         text = defaultText;
         if (s.reportMissingTranslations)
             result = kIdWithoutText;
     }
-    bool const oneWord = HasPrefix(key, u"$");
-    // With replace the key's own old entry is still indexed here and counts, as it does for a
-    // walk over the map.
-    if (oneWord && s.oneWordKeysByDefault.contains(defaultText))
-        result = kIdNotBiunique;
-    if (present) {
-        s.UnindexOneWordKey(place->first, place->second.defaultText);
-        place = s.entries.erase(place);
+    // Keys that ICmp calls equal agree on underscores, so the old entry of a one-word key was
+    // one-word too, and only those are indexed.
+    if (HasPrefix(key, u"$")) {
+        auto const keys = s.oneWordKeysByDefault.try_emplace(defaultText).first;
+        // With replace the key's own old entry is still indexed here and counts, as it does
+        // for a walk over the map.
+        if (!keys->second.empty())
+            result = kIdNotBiunique;
+        if (!inserted)
+            s.UnindexOneWordKey(place->second.key, place->second.defaultText);
+        keys->second.push_back(key);
     }
-    if (oneWord)
-        s.oneWordKeysByDefault[defaultText].insert(key);
-    s.entries.emplace_hint(place, std::move(key),
-                           Texts{std::move(text), std::move(defaultText)});
+    place->second = Texts{std::move(key), std::move(text), std::move(defaultText)};
     return result;
 }
 
@@ -191,12 +301,12 @@ void BLanguageMap::Clear() {
 }
 
 bool BLanguageMap::Includes(WString key) const {
-    return m_state->entries.contains(key);
+    return m_state->entries.find(key) != nullptr;
 }
 
 bool BLanguageMap::Find(WString const& key, WString& text, bool current) const {
-    auto const found = m_state->entries.find(key);
-    if (found == m_state->entries.end())
+    auto const* found = m_state->entries.find(key);
+    if (found == nullptr)
         return false;
     text = current ? found->second.text : found->second.defaultText;
     return true;
@@ -236,17 +346,21 @@ int BLanguageMap::TranslateBack(WString text, WString& keys, WString prefix,
         else
             keys.Append(u',').Append(key);
     };
+    std::vector<WString> matches;
     if (language == DEFAULT && prefix.Equal(u"$")) {
-        auto const entry = m_state->oneWordKeysByDefault.find(text);
-        if (entry != m_state->oneWordKeysByDefault.end())
-            for (WString const& key : entry->second)
-                note(key);
-        return count;
+        auto const* entry = m_state->oneWordKeysByDefault.find(text);
+        if (entry != nullptr)
+            matches = entry->second;
+    } else {
+        for (auto const& [_, texts] : m_state->entries)
+            if ((language == DEFAULT ? texts.defaultText : texts.text).IEqual(text) &&
+                HasPrefix(texts.key, prefix))
+                matches.push_back(texts.key);
     }
-    for (auto const& [key, texts] : m_state->entries)
-        if ((language == DEFAULT ? texts.defaultText : texts.text).IEqual(text) &&
-            HasPrefix(key, prefix))
-            note(key);
+    // Listed in ascending key order, as a walk over an ordered map meets them.
+    SortKeys(matches);
+    for (WString const& key : matches)
+        note(key);
     return count;
 }
 
@@ -269,8 +383,8 @@ bool BLanguageMap::GetReportMissingTranslations() const {
 std::vector<BLanguageMap::Entry> BLanguageMap::Entries() const {
     std::vector<Entry> entries;
     entries.reserve(m_state->entries.size());
-    for (auto const& [key, texts] : m_state->entries)
-        entries.push_back({key, texts.defaultText, texts.text});
+    for (auto const* entry : m_state->Ordered())
+        entries.push_back({entry->second.key, entry->second.defaultText, entry->second.text});
     return entries;
 }
 
@@ -431,8 +545,8 @@ int BLanguageMap::ExportMapFile(WString path) const {
         return kCannotCreateFile;
     LineWriter out(file);
     // The second cell stays empty: the file carries the key and the current language's text.
-    for (auto const& [key, texts] : m_state->entries)
-        out << key << u"\t\t" << texts.text << u"\n";
+    for (auto const* entry : m_state->Ordered())
+        out << entry->second.key << u"\t\t" << entry->second.text << u"\n";
     return 0;
 }
 

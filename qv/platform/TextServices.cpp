@@ -1,6 +1,7 @@
 #include "qv/platform/TextServices.h"
 
 #include "qv/platform/CodePage.h"
+#include "qv/platform/TextHash.h"
 
 #include <algorithm>
 #include <atomic>
@@ -14,6 +15,7 @@
 #include <type_traits>
 #include <unicode/uchar.h>
 #include <unicode/ucol.h>
+#include <unicode/unorm2.h>
 #include <unicode/uset.h>
 #include <unicode/ustring.h>
 #include <unicode/utf16.h>
@@ -420,6 +422,72 @@ int lstrcmpiA(char const* a, char const* b) {
     return Compare(a, b, false);
 }
 
+// ---------------------------------------------------------------------------------------------
+// Hashes of the comparisons
+
+namespace {
+
+// FNV-1a over the units.
+struct UnitHash {
+    std::uint64_t h = 14695981039346656037ull;
+    void Add(char16_t u) { h = (h ^ u) * 1099511628211ull; }
+};
+
+// Below U+00C0 no unit has a canonical decomposition or combines, and case folding changes
+// only A to Z (the micro sign keeps its case): such a text is its own canonical form.
+constexpr char16_t kFirstDecomposable = 0xC0;
+
+std::uint64_t HashCanonical(char16_t const* s, bool caseSensitive) {
+    if (s == nullptr)
+        s = u"";
+    UnitHash hash;
+    char16_t const* p = s;
+    for (; *p != 0 && *p < kFirstDecomposable; ++p)
+        hash.Add(!caseSensitive && *p >= u'A' && *p <= u'Z' ? static_cast<char16_t>(*p + 32) : *p);
+    if (*p == 0)
+        return hash.h;
+    // Otherwise the whole text goes the way of the comparison: fold case (case-blind), then
+    // decompose, and the result is hashed.
+    hash = UnitHash{};
+    thread_local std::u16string folded;
+    thread_local std::u16string decomposed;
+    std::u16string_view text(s);
+    if (!caseSensitive) {
+        FoldCase(text, folded);
+        text = folded;
+    }
+    UErrorCode status = U_ZERO_ERROR;
+    UNormalizer2 const* nfd = unorm2_getNFDInstance(&status);
+    int32_t length = 0;
+    if (U_SUCCESS(status)) {
+        decomposed.resize(text.size() * 4 + 16);
+        length =
+            unorm2_normalize(nfd, text.data(), static_cast<int32_t>(text.size()), decomposed.data(),
+                             static_cast<int32_t>(decomposed.size()), &status);
+        if (status == U_BUFFER_OVERFLOW_ERROR) {
+            status = U_ZERO_ERROR;
+            decomposed.resize(static_cast<std::size_t>(length));
+            length = unorm2_normalize(nfd, text.data(), static_cast<int32_t>(text.size()),
+                                      decomposed.data(), length, &status);
+        }
+    }
+    if (U_FAILURE(status))
+        return 0; // without ICU's data such texts share one hash: slow, but never wrong
+
+    for (int32_t i = 0; i < length; ++i)
+        hash.Add(decomposed[static_cast<std::size_t>(i)]);
+    return hash.h;
+}
+
+} // namespace
+
+std::uint64_t HashForCmpW(char16_t const* s) {
+    return HashCanonical(s, true);
+}
+std::uint64_t HashForCmpIW(char16_t const* s) {
+    return HashCanonical(s, false);
+}
+
 bool SetCollationLocale(char const* localeName) {
     if (localeName == nullptr)
         localeName = "";
@@ -604,7 +672,8 @@ int StrCmpNIW(char16_t const* a, char16_t const* b, int n) {
     int lb = 0;
     while (lb < n && b[lb] != 0)
         ++lb;
-    return Collate(CurrentCollation().identical, std::u16string_view(a, static_cast<std::size_t>(la)),
+    return Collate(CurrentCollation().identical,
+                   std::u16string_view(a, static_cast<std::size_t>(la)),
                    std::u16string_view(b, static_cast<std::size_t>(lb)), false);
 }
 

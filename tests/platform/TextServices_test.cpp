@@ -1,4 +1,5 @@
 #include "qv/platform/CodePage.h"
+#include "qv/platform/TextHash.h"
 #include "qv/platform/TextServices.h"
 
 #include <algorithm>
@@ -336,4 +337,29 @@ TEST(TextServicesClasses, WideCaseMappingKeepsOnlyPairsThatMapBack) {
         EXPECT_EQ(ToUpperW(r.c), r.upper) << std::hex << unsigned(r.c);
         EXPECT_EQ(ToLowerW(r.c), r.lower) << std::hex << unsigned(r.c);
     }
+}
+
+TEST(TextServicesHash, TextsThatCompareEqualHashAlike) {
+    struct Row {
+        char const* name;
+        char16_t const* a;
+        char16_t const* b;
+        bool equal, iEqual; // as lstrcmpW and lstrcmpiW see them
+    } const rows[] = {
+        {"same text", u"[default]gain", u"[default]gain", true, true},
+        {"case", u"Gain", u"gAIN", false, true},
+        {"composed and decomposed", u"\u00e9t\u00e9", u"e\u0301te\u0301", true, true},
+        {"case and composition", u"\u00c4rger", u"a\u0308RGER", false, true},
+        {"Angstrom sign", u"\u212b", u"\u00c5", true, true},
+        {"ASCII before a composed letter", u"ab\u00e9", u"abe\u0301", true, true},
+        {"different letters", u"key1", u"key2", false, false},
+        {"width stays apart", u"\uff21", u"A", false, false},
+    };
+    for (Row const& r : rows) {
+        EXPECT_EQ(lstrcmpW(r.a, r.b) == 0, r.equal) << r.name;
+        EXPECT_EQ(lstrcmpiW(r.a, r.b) == 0, r.iEqual) << r.name;
+        EXPECT_EQ(HashForCmpW(r.a) == HashForCmpW(r.b), r.equal) << r.name;
+        EXPECT_EQ(HashForCmpIW(r.a) == HashForCmpIW(r.b), r.iEqual) << r.name;
+    }
+    EXPECT_EQ(HashForCmpW(nullptr), HashForCmpW(u""));
 }

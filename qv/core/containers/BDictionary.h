@@ -20,6 +20,12 @@ public:
     BDictionaryItem(K const& key, V const& value) : m_key(key), m_value(value) {}
     /// The hash of the key, as BDictionaryItemBase::HashKey gives it for K.
     unsigned long long Hash() const override { return HashKey(m_key); }
+    /// A hash of the whole key, where the key type has one that agrees with its equality: the
+    /// table then finds items through its index instead of scanning the bucket.
+    unsigned long long FullHash() const requires requires(K const& key) {
+        BDictionaryItemBase::FullHashKey(key);
+    }
+    { return FullHashKey(m_key); }
     /// True when the keys are equal by K's operator==.
     bool SameKey(BDictionaryItem const& other) const {
         // The strings' Equal is their operator==; called by name, it avoids the reversed

@@ -1,6 +1,7 @@
 #include <qv/core/containers/BDictionaryItemBase.h>
 #include <qv/core/strings/BString.h>
 #include <qv/core/strings/WString.h>
+#include <qv/platform/TextHash.h>
 
 // All arithmetic is unsigned 64-bit and wraps.
 unsigned long long BDictionaryItemBase::HashKey(WString const& key) {
@@ -18,4 +19,8 @@ unsigned long long BDictionaryItemBase::HashKey(BString const& key) {
         h = h * 33 +
             static_cast<std::uint64_t>(static_cast<std::int64_t>(static_cast<signed char>(p[i])));
     return h;
+}
+
+unsigned long long BDictionaryItemBase::FullHashKey(WString const& key) {
+    return qv::platform::HashForCmpW(key.CStr());
 }

@@ -25,6 +25,9 @@ public:
     /// The first 5 characters at most, up to the terminator, each taken as a signed byte:
     /// h = h * 33 + character, from 0.
     static unsigned long long HashKey(BString const& key);
+    /// Of the whole key, agreeing with WString's equality (the locale rule): keys it calls equal
+    /// hash alike.
+    static unsigned long long FullHashKey(WString const& key);
     /// The object's address (0 for null): SP keys are equal by identity.
     template <class T>
     static unsigned long long HashKey(SP<T> const& key) {

@@ -110,3 +110,29 @@ TEST(BMap, KeepsInsertionOrderThroughSetAndRemove) {
 }
 
 } // namespace
+
+TEST(BDictionary, LookupsInALongBucketAfterRemovals) {
+    // Every key shares its first 8 units, so all stand in one bucket, in order of addition.
+    BDictionary<WString, int> t(1000);
+    for (int i = 0; i < 50; ++i)
+        t.Set(WString(u"[default]k") + WString::FromInt(i), i);
+    for (int i : {0, 17, 18, 49})
+        EXPECT_TRUE(t.Remove(WString(u"[default]k") + WString::FromInt(i))) << i;
+    EXPECT_FALSE(t.Set(u"[default]k20", 120)); // overwritten in place
+    EXPECT_TRUE(t.Set(u"[default]k0", 100));   // back, now last
+    std::vector<int> expected;
+    for (int i = 1; i < 49; ++i)
+        if (i != 17 && i != 18)
+            expected.push_back(i == 20 ? 120 : i);
+    expected.push_back(100);
+    EXPECT_EQ(ValuesInOrder(t), expected);
+    for (int i = 1; i < 49; ++i) {
+        auto const* item = t.Find(WString(u"[default]k") + WString::FromInt(i));
+        EXPECT_EQ(item ? item->m_value : -1, i == 17 || i == 18 ? -1 : i == 20 ? 120 : i) << i;
+    }
+    // Canonically equivalent spellings in one bucket are one key, found by either spelling.
+    EXPECT_TRUE(t.Set(u"[default]caf\u00e9", 1));
+    EXPECT_FALSE(t.Set(u"[default]cafe\u0301", 2));
+    EXPECT_EQ(t.Find(u"[default]caf\u00e9")->m_value, 2);
+    EXPECT_EQ(t.Count(), 48u);
+}
