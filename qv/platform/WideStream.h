@@ -36,11 +36,11 @@ int GetLineUnlocked(char16_t* buffer, int count, std::FILE* stream);
 void _lock_file(std::FILE* stream);
 void _unlock_file(std::FILE* stream);
 
-// Holds a stream's lock over a run of unlocked calls on it (_lock_file to _unlock_file). A
-// process that has never started a second thread has nobody to keep out, so there the lock is
-// not taken, as glibc's own stdio calls skip theirs; the guard remembers what it did, so that a
-// thread started while it is held changes nothing. Taking the lock costs two atomic operations,
-// which a line-by-line reader would pay on every line.
+// Holds a stream's lock over a run of unlocked calls on it (_lock_file to _unlock_file) that
+// starts no thread. A process that has never started a second thread has nobody to keep out,
+// so there the lock is not taken, as glibc's own stdio calls skip theirs; the guard remembers
+// what it did for its release. Taking the lock costs two atomic operations, which a
+// line-by-line reader would pay on every line.
 class StreamLock {
 public:
     explicit StreamLock(std::FILE* stream) : m_stream(stream), m_locked(!SingleThreaded()) {
