@@ -1,8 +1,10 @@
 // Reading a 50 MB UTF-16LE text file line by line through BFile and WString::ReadLn, against
-// std::ifstream and std::getline on the same lines in UTF-8. Both sides only touch each line
-// (its first character): a WString's length is a scan, a std::string's a field, and the
-// comparison is of reading, not of measuring. BM_BFileUtf16Pieces shows the
-// stream layer's share: the reads alone, without building lines in a WString.
+// std::ifstream and std::getline on the same lines in UTF-8 and against Qt's QTextStream
+// reading the same UTF-16LE file. Every side only touches each line (its first character): the
+// comparison is of reading, not of measuring. BM_BFileUtf16Pieces shows the stream layer's
+// share: the reads alone, without building lines in a WString. BM_BFileUtf16ReadLnThreaded is
+// ReadLn once the process has started a second thread, when every line takes the stream's
+// lock; it runs last, since no process goes back to one thread.
 #include <benchmark/benchmark.h>
 #include <cstdlib>
 #include <filesystem>
@@ -11,6 +13,14 @@
 #include <qv/core/strings/WString.h>
 #include <qv/platform/WideStream.h>
 #include <string>
+#include <thread>
+
+#ifdef QV_BENCH_WITH_QT
+#include <QFile>
+#include <QString>
+#include <QStringConverter>
+#include <QTextStream>
+#endif
 
 namespace {
 
@@ -99,8 +109,45 @@ void BM_IfstreamUtf8Getline(benchmark::State& state) {
     state.SetBytesProcessed(static_cast<long long>(state.iterations()) * kUtf16Bytes);
 }
 
+#ifdef QV_BENCH_WITH_QT
+// What a Qt program reads the file with: QTextStream over a QFile, told the encoding.
+void BM_QTextStreamUtf16ReadLine(benchmark::State& state) {
+    Files const& files = TheFiles();
+    QString const path = QString::fromStdU16String(files.utf16);
+    long long units = 0;
+    for (auto _ : state) {
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly)) {
+            state.SkipWithError("cannot open the file");
+            break;
+        }
+        QTextStream in(&file);
+        in.setEncoding(QStringConverter::Utf16LE);
+        long long count = 0;
+        while (!in.atEnd()) {
+            QString const line = in.readLine();
+            units += line.isEmpty() ? 0 : line.front().unicode();
+            ++count;
+        }
+        benchmark::DoNotOptimize(units);
+        state.counters["lines"] = static_cast<double>(count);
+    }
+    state.SetBytesProcessed(static_cast<long long>(state.iterations()) * kUtf16Bytes);
+}
+#endif
+
+// BM_BFileUtf16ReadLn in a process with a second thread.
+void BM_BFileUtf16ReadLnThreaded(benchmark::State& state) {
+    std::thread([] {}).join();
+    BM_BFileUtf16ReadLn(state);
+}
+
 } // namespace
 
 BENCHMARK(BM_BFileUtf16ReadLn)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_BFileUtf16Pieces)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_IfstreamUtf8Getline)->Unit(benchmark::kMillisecond);
+#ifdef QV_BENCH_WITH_QT
+BENCHMARK(BM_QTextStreamUtf16ReadLine)->Unit(benchmark::kMillisecond);
+#endif
+BENCHMARK(BM_BFileUtf16ReadLnThreaded)->Unit(benchmark::kMillisecond);

@@ -7,18 +7,6 @@ namespace qv::platform {
 
 namespace {
 
-// Holds the stream's lock for a run of unlocked reads or writes, as the runtime does per call.
-class StreamLock {
-public:
-    explicit StreamLock(std::FILE* f) : m_file(f) { ::flockfile(f); }
-    ~StreamLock() { ::funlockfile(m_file); }
-    StreamLock(StreamLock const&) = delete;
-    StreamLock& operator=(StreamLock const&) = delete;
-
-private:
-    std::FILE* m_file;
-};
-
 // One byte of an ANSI text stream as a 16-bit character. The MSVC runtime converts in its
 // default "C" locale, where a byte is the character of the same value.
 int AnsiUnit(int byte) {

@@ -12,6 +12,11 @@
 #pragma once
 
 #include <cstdio>
+#include <stdio.h>
+#if __has_include(<sys/single_threaded.h>)
+#include <sys/single_threaded.h>
+#define QV_KNOWS_SINGLE_THREADED 1
+#endif
 
 namespace qv::platform {
 
@@ -30,6 +35,40 @@ int GetLineUnlocked(char16_t* buffer, int count, std::FILE* stream);
 // stream then pays for the lock once, as each call's own locking becomes a nested one.
 void _lock_file(std::FILE* stream);
 void _unlock_file(std::FILE* stream);
+
+// Holds a stream's lock over a run of unlocked calls on it (_lock_file to _unlock_file) that
+// starts no thread. A process that has never started a second thread has nobody to keep out,
+// so there the lock is not taken, as glibc's own stdio calls skip theirs; the guard remembers
+// what it did for its release. Taking the lock costs two atomic operations, which a
+// line-by-line reader would pay on every line.
+class StreamLock {
+public:
+    explicit StreamLock(std::FILE* stream) : m_stream(stream), m_locked(!SingleThreaded()) {
+        if (m_locked)
+            ::flockfile(stream);
+    }
+    ~StreamLock() {
+        if (m_locked)
+            ::funlockfile(m_stream);
+    }
+    StreamLock(StreamLock const&) = delete;
+    StreamLock& operator=(StreamLock const&) = delete;
+
+    // feof for the holder of the lock.
+    bool EndFlagged() const { return ::feof_unlocked(m_stream) != 0; }
+
+private:
+    static bool SingleThreaded() {
+#ifdef QV_KNOWS_SINGLE_THREADED
+        return __libc_single_threaded != 0;
+#else
+        return false;
+#endif
+    }
+
+    std::FILE* m_stream;
+    bool m_locked;
+};
 // Writes one unit; returns it, or kWEOF on an error.
 int fputwc16(char16_t c, std::FILE* stream);
 // Writes the text without its terminator; a non-negative value, or -1 on an error.

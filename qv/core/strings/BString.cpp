@@ -13,5 +13,6 @@ BString::BString(char16_t const* wide) {
     Block* b = CreateShared(static_cast<size_type>(size));
     qv::platform::WideCharToMultiByte(wide, -1, b->Text(), size);
     b->Text()[size - 1] = 0;
+    b->ForgetLength(); // left to a scan: the block was made empty
     Reset(b);
 }

@@ -24,8 +24,13 @@ public:
     BString(char16_t const* wide);
 
     /// The held text without unsharing, null on a null string: the caller must not write
-    /// through it while the block is shared.
-    char* Str() const { return m_block ? m_block->Text() : nullptr; }
+    /// through it while the block is shared. The block stops caching its length for good.
+    char* Str() const {
+        if (!m_block)
+            return nullptr;
+        m_block->ExposeText();
+        return m_block->Text();
+    }
 
     /// The byte at the index, without a check: the string must hold a block and the index
     /// lie within it.

@@ -53,9 +53,9 @@ auto StringBase<S, Unit>::CreateShared(Unit const* text, size_type length, size_
     void* raw = std::malloc(sizeof(Block) + (capacity + 1) * sizeof(Unit));
     if (!raw)
         throw std::bad_alloc();
-    Block* b = new (raw) Block{capacity, {0}};
+    Block* b = new (raw) Block{capacity, {0}, {0}};
     CopyUnits(b->Text(), text, length);
-    b->Text()[length] = 0;
+    b->End(length);
     return b;
 }
 
@@ -78,7 +78,9 @@ auto StringBase<S, Unit>::CreateShared(Unit const* text) -> Block* {
 template <class S, class Unit>
 auto StringBase<S, Unit>::CreateShared(Block const* block) -> Block* {
     // The copy's capacity is the length of the text, not the capacity of the original.
-    return CreateShared(block->Text());
+    std::uint32_t const known = block->KnownLength();
+    size_type const n = known < Block::kLengthUnknown ? known : Traits::Length(block->Text());
+    return CreateShared(block->Text(), n, n);
 }
 
 template <class S, class Unit>
@@ -126,7 +128,7 @@ S StringBase<S, Unit>::Concat(Unit const* a, Unit const* b) {
         return S();
     Block* block = CreateShared(a, la, la + lb);
     CopyUnits(block->Text() + la, b, lb);
-    block->Text()[la + lb] = 0;
+    block->End(la + lb);
     return Adopt(block);
 }
 
@@ -185,6 +187,16 @@ template <class S, class Unit>
 void StringBase<S, Unit>::SetAt(size_type pos, Unit c) {
     Unshare();
     m_block->Text()[pos] = c;
+    // Within a known text a unit changes or the text ends there; anything else (the
+    // terminator overwritten, a unit written behind it) leaves the end to a later scan. No
+    // scan here: SetAt stays constant-time on a block whose length is not known.
+    std::uint32_t const known = m_block->KnownLength();
+    if (known >= Block::kLengthUnknown)
+        return;
+    if (pos >= known)
+        m_block->ForgetLength();
+    else if (c == 0)
+        m_block->KeepLength(pos);
 }
 
 template <class S, class Unit>
@@ -195,6 +207,7 @@ void StringBase<S, Unit>::Fill(size_type n, Unit c) {
         m_block->count.load(std::memory_order_acquire) == 1) {
         std::fill_n(m_block->Text(), n, c);
         m_block->Text()[n] = 0;
+        m_block->KeepLength(c ? n : 0);
         return;
     }
     Clear();
@@ -203,12 +216,20 @@ void StringBase<S, Unit>::Fill(size_type n, Unit c) {
     Block* b = CreateShared(n);
     std::fill_n(b->Text(), n, c);
     b->Text()[n] = 0;
+    b->KeepLength(c ? n : 0);
     Reset(b);
 }
 
 template <class S, class Unit>
-auto StringBase<S, Unit>::Length() const -> size_type {
-    return m_block ? Traits::Length(m_block->Text()) : 0;
+auto StringBase<S, Unit>::ScanLength() const -> size_type {
+    size_type const n = Traits::Length(m_block->Text());
+    // Only an unknown length is filled in: a block exposed meanwhile (BString::Str() on a
+    // shared block, from another holder) must stay exposed.
+    std::uint32_t unknown = Block::kLengthUnknown;
+    if (n < Block::kLengthUnknown)
+        m_block->length.compare_exchange_strong(unknown, static_cast<std::uint32_t>(n),
+                                                std::memory_order_relaxed);
+    return n;
 }
 
 // ---- comparison -----------------------------------------------------------------------------
@@ -252,7 +273,7 @@ bool StringBase<S, Unit>::Includes(Unit const* needle) const {
 template <class S, class Unit>
 bool StringBase<S, Unit>::Includes(CharArg c) const {
     Unit u = static_cast<Unit>(c);
-    return u != 0 && !IsEmpty() && std::basic_string_view<Unit>(CStr()).find(u) != size_type(-1);
+    return u != 0 && !IsEmpty() && View().find(u) != size_type(-1);
 }
 
 template <class S, class Unit>
@@ -288,7 +309,7 @@ bool StringBase<S, Unit>::IncludesPos(CharArg c, size_type& pos) const {
     Unit u = static_cast<Unit>(c);
     if (u == 0 || IsEmpty())
         return false;
-    auto at = std::basic_string_view<Unit>(CStr()).find(u);
+    auto at = View().find(u);
     if (at == std::basic_string_view<Unit>::npos)
         return false;
     pos = at;
@@ -307,7 +328,7 @@ template <class S, class Unit>
 auto StringBase<S, Unit>::Search(Unit c, size_type from) const -> size_type {
     if (c == 0 || IsEmpty())
         return Traits::kNotFound;
-    auto at = std::basic_string_view<Unit>(CStr()).find(c, from);
+    auto at = View().find(c, from);
     return at == std::basic_string_view<Unit>::npos ? Traits::kNotFound : at;
 }
 
@@ -472,13 +493,13 @@ bool StringBase<S, Unit>::CutAt(size_type pos) {
     if (IsEmpty() || pos >= Length())
         return false;
     Unshare();
-    m_block->Text()[pos] = 0;
+    m_block->End(pos);
     return true;
 }
 
 template <class S, class Unit>
 Unit const* StringBase<S, Unit>::FindChar(Unit c, bool first) const {
-    std::basic_string_view<Unit> text(CStr());
+    std::basic_string_view<Unit> text = View();
     auto at = first ? text.find(c) : text.rfind(c);
     return c == 0 || at == text.npos ? nullptr : CStr() + at;
 }
@@ -489,7 +510,7 @@ bool StringBase<S, Unit>::CutAfter(CharArg c, bool first) {
     Unit const* hit = FindChar(static_cast<Unit>(c), first);
     if (!hit || hit[1] == 0)
         return false;
-    m_block->Text()[hit - CStr() + 1] = 0;
+    m_block->End(static_cast<size_type>(hit - CStr()) + 1);
     return true;
 }
 
@@ -504,7 +525,7 @@ bool StringBase<S, Unit>::Split(S& rest, CharArg c, bool first) {
     size_type pos = static_cast<size_type>(hit - CStr());
     rest = S(hit); // rest may be this very string: the copy is taken before the cut
     if (&rest != &Self())
-        m_block->Text()[pos] = 0;
+        m_block->End(pos);
     return true;
 }
 
@@ -515,10 +536,12 @@ void StringBase<S, Unit>::Remove(size_type pos, size_type n) {
         return;
     Unshare();
     Unit* text = m_block->Text();
-    if (n >= len - pos)
-        text[pos] = 0;
-    else
-        CopyUnits(text + pos, text + pos + n, len - pos - n + 1);
+    if (n >= len - pos) {
+        m_block->End(pos);
+        return;
+    }
+    CopyUnits(text + pos, text + pos + n, len - pos - n + 1);
+    m_block->KeepLength(len - n);
 }
 
 // ---- changing -------------------------------------------------------------------------------
@@ -529,35 +552,39 @@ S& StringBase<S, Unit>::Append(S const& other) {
     // The source may be this string; unsharing gives it a private block, whose text survives
     // until the append below is done.
     S keep = other;
-    return Append(keep.CStr());
+    return AppendUnits(keep.CStr(), keep.Length());
 }
 
 template <class S, class Unit>
 S& StringBase<S, Unit>::Append(Unit const* text) {
-    if (!text)
-        return Self();
-    size_type n = Traits::Length(text);
+    return text ? AppendUnits(text, Traits::Length(text)) : Self();
+}
+
+template <class S, class Unit>
+S& StringBase<S, Unit>::AppendUnits(Unit const* text, size_type n) {
     Unshare();
-    size_type len = Traits::Length(m_block->Text());
+    size_type len = Length();
     if (len + n > m_block->capacity) {
         // text may lie in this very block, so the grown block is filled before this one goes.
         Block* b = CreateShared(m_block->Text(), len, GrownCapacity(m_block->capacity, len + n));
         CopyUnits(b->Text() + len, text, n);
-        b->Text()[len + n] = 0;
+        b->End(len + n);
         Reset(b);
         return Self();
     }
     CopyUnits(m_block->Text() + len, text, n);
-    m_block->Text()[len + n] = 0;
+    m_block->End(len + n);
     return Self();
 }
 
 template <class S, class Unit>
 S& StringBase<S, Unit>::Append(Unit c) {
     Unshare();
-    Unit* tail = TailRoom(Traits::Length(m_block->Text()), 1);
+    size_type const len = Length();
+    Unit* tail = TailRoom(len, 1);
     tail[0] = c;
     tail[1] = 0;
+    m_block->KeepLength(c ? len + 1 : len);
     return Self();
 }
 
@@ -592,7 +619,7 @@ S& StringBase<S, Unit>::Insert(Unit const* text, size_type pos) {
     Block* b = CreateShared(CStr(), pos, len + n);
     CopyUnits(b->Text() + pos, text, n);
     CopyUnits(b->Text() + pos + n, CStr() + pos, len - pos);
-    b->Text()[len + n] = 0;
+    b->End(len + n);
     Reset(b);
     return Self();
 }
@@ -606,6 +633,8 @@ S& StringBase<S, Unit>::Insert(Unit c, size_type pos) {
     Unit* text = m_block->Text();
     CopyUnits(text + pos + 1, text + pos, len - pos);
     text[pos] = c;
+    if (c == 0)
+        m_block->KeepLength(pos);
     return Self();
 }
 
@@ -703,7 +732,7 @@ bool StringBase<S, Unit>::TrimRightIf(Pred pred) {
     if (end == len)
         return false;
     Unshare();
-    m_block->Text()[end] = 0;
+    m_block->End(end);
     return true;
 }
 
@@ -758,7 +787,7 @@ S& StringBase<S, Unit>::EraseAllChars(Unit c) {
     for (Unit const* in = out; *in; ++in)
         if (*in != c)
             *out++ = *in;
-    *out = 0;
+    m_block->End(static_cast<size_type>(out - m_block->Text()));
     return Self();
 }
 
@@ -766,8 +795,10 @@ template <class S, class Unit>
 S StringBase<S, Unit>::ToLower() {
     if (m_block) {
         Unshare();
-        for (Unit* p = m_block->Text(); *p; ++p)
+        Unit* p = m_block->Text();
+        for (; *p; ++p)
             *p = Traits::ToLower(*p);
+        m_block->KeepLength(static_cast<size_type>(p - m_block->Text()));
     }
     return Self();
 }
@@ -776,8 +807,10 @@ template <class S, class Unit>
 S StringBase<S, Unit>::ToUpper() {
     if (m_block) {
         Unshare();
-        for (Unit* p = m_block->Text(); *p; ++p)
+        Unit* p = m_block->Text();
+        for (; *p; ++p)
             *p = Traits::ToUpper(*p);
+        m_block->KeepLength(static_cast<size_type>(p - m_block->Text()));
     }
     return Self();
 }

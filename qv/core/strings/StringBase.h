@@ -2,9 +2,11 @@
 /// The one implementation behind WString and BString.
 ///
 /// A string is one pointer: null (the empty string) or a shared block that holds the capacity,
-/// an atomic reference count and the zero-terminated text in one malloc'ed allocation. Copies
-/// share the block; every writer unshares first. The length is never stored: the terminator is
-/// the only truth, which keeps a string that a caller wrote through Str() consistent.
+/// an atomic reference count, the length when it is known and the zero-terminated text in one
+/// malloc'ed allocation. Copies share the block; every writer unshares first. The terminator is
+/// the truth: the length is a cache of where it stands, kept by the string's own writers and
+/// given up for good on a block whose writable text was handed out (Str()), so that a string a
+/// caller wrote through a pointer stays consistent.
 ///
 /// S is the derived class (WString or BString), so that operations hand back the caller's own
 /// type; Unit is its character. The twins' differences come from StringTraits<Unit>; the
@@ -26,10 +28,39 @@ template <class Unit>
 struct SharedString {
     std::uint64_t capacity;          // characters the block can hold, without the terminator
     std::atomic<std::int32_t> count; // string objects that hold the block
+    // Units before the terminator, or one of the two marks below. Atomic because a
+    // BString::Str() on a shared block marks it while another holder may read it.
+    std::atomic<std::uint32_t> length;
+
+    // Not known now; the next Length() scans and keeps what it finds.
+    static constexpr std::uint32_t kLengthUnknown = 0xFFFFFFFE;
+    // Writable text was handed out, so anyone may change the text behind our back: the
+    // length is never kept again on this block. A grown or unshared copy starts afresh.
+    static constexpr std::uint32_t kLengthExposed = 0xFFFFFFFF;
+
+    // The cached length, kLengthUnknown when the text must be scanned.
+    std::uint32_t KnownLength() const { return length.load(std::memory_order_relaxed); }
+    // The string's own writer has left the text n units long.
+    void KeepLength(std::uint64_t n) {
+        if (length.load(std::memory_order_relaxed) != kLengthExposed)
+            length.store(n < kLengthUnknown ? static_cast<std::uint32_t>(n) : kLengthUnknown,
+                         std::memory_order_relaxed);
+    }
+    // Terminates the text after n units and keeps that length.
+    void End(std::uint64_t n) {
+        Text()[n] = 0;
+        KeepLength(n);
+    }
+    void ForgetLength() { KeepLength(kLengthUnknown); }
+    void ExposeText() { length.store(kLengthExposed, std::memory_order_relaxed); }
 
     Unit* Text() { return reinterpret_cast<Unit*>(this + 1); }
     Unit const* Text() const { return reinterpret_cast<Unit const*>(this + 1); }
 };
+
+// The text starts 16 bytes into the block for both widths, as it always has: the length sits
+// in what was padding.
+static_assert(sizeof(SharedString<char>) == 16 && sizeof(SharedString<char16_t>) == 16);
 
 using SharedBString = SharedString<char>;
 using SharedWString = SharedString<char16_t>;
@@ -77,8 +108,14 @@ public:
 
     /// Releases the block and leaves null.
     void Clear() noexcept;
-    /// The characters before the terminator, counted on every call (not stored); 0 on null.
-    size_type Length() const;
+    /// The characters before the terminator; 0 on null. Kept in the block while the string's
+    /// own writers change it, counted again after writable text was handed out.
+    size_type Length() const {
+        if (!m_block)
+            return 0;
+        std::uint32_t const n = m_block->KnownLength();
+        return n < Block::kLengthUnknown ? n : ScanLength();
+    }
     /// True on null or empty text.
     bool IsEmpty() const { return !m_block || m_block->Text()[0] == 0; }
     /// @name The text. CStr(), the conversion and View never give null: a null string gives a
@@ -88,7 +125,7 @@ public:
     Unit const* CStr() const { return m_block ? m_block->Text() : EmptyText(); }
     Unit const* CStr(size_type pos) const { return m_block ? m_block->Text() + pos : nullptr; }
     operator Unit const*() const { return CStr(); }
-    std::basic_string_view<Unit> View() const { return CStr(); }
+    std::basic_string_view<Unit> View() const { return {CStr(), Length()}; }
     ///@}
 
     /// Unshares and writes \p c at \p pos, without a check.
@@ -396,11 +433,16 @@ protected:
             FreeBlock(b);
     }
     static void FreeBlock(Block* b) noexcept;
+    // Length() when the block does not know it: scans, and keeps the result unless the text
+    // is exposed.
+    size_type ScanLength() const;
     void Reset(Block* b) noexcept; // takes b's first reference, releases the old block
     void Unshare();                // afterwards the object always holds a private block
     // On a private block: keeps its first length units and makes room for n more and a
     // terminator behind them, growing geometrically; returns where the n units go.
     Unit* TailRoom(size_type length, size_type n);
+    // Appends n units of text, which may lie in this string's own block.
+    S& AppendUnits(Unit const* text, size_type n);
     S& Self() noexcept { return static_cast<S&>(*this); }
     template <class Pred>
     bool All(Pred pred) const;

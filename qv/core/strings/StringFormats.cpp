@@ -55,18 +55,6 @@ template <class... A>
 int Scan(char16_t const* text, char16_t const* format, A... args) {
     return qv::platform::swscanf(text, format, args...);
 }
-// Holds a stream's lock over a run of calls on it.
-class FileLock {
-public:
-    explicit FileLock(std::FILE* f) : m_file(f) { qv::platform::_lock_file(f); }
-    ~FileLock() { qv::platform::_unlock_file(m_file); }
-    FileLock(FileLock const&) = delete;
-    FileLock& operator=(FileLock const&) = delete;
-
-private:
-    std::FILE* m_file;
-};
-
 // A piece of a line, read as fgets reads it; the length of its text, or -1 if nothing was read.
 int GetLine(char* b, int n, std::FILE* s) {
     return std::fgets(b, n, s) ? static_cast<int>(std::strlen(b)) : -1;
@@ -191,8 +179,14 @@ void StringBase<S, Unit>::VPrintf(Unit const* format, va_list args) {
     Unit fixed[kFixed];
     errno = 0;
     int n = FormatInto(fixed, kFixed, kFixed - 1, format, args);
+    // A zero unit in the arguments (%c of 0) ends the text early; the string ends there.
+    auto const formatted = [](Unit const* text, size_type length) {
+        Block* b = CreateShared(text, length, length);
+        b->KeepLength(Traits::Length(b->Text()));
+        return b;
+    };
     if (n >= 0) {
-        Reset(n ? CreateShared(fixed, size_type(n), size_type(n)) : nullptr);
+        Reset(n ? formatted(fixed, size_type(n)) : nullptr);
         return;
     }
     // An invalid format fails at every size: there is nothing to retry.
@@ -208,7 +202,7 @@ void StringBase<S, Unit>::VPrintf(Unit const* format, va_list args) {
             return;
         n = FormatInto(heap.get(), size, size - 1, format, args);
         if (n >= 0) {
-            Reset(CreateShared(heap.get(), size_type(n), size_type(n)));
+            Reset(formatted(heap.get(), size_type(n)));
             return;
         }
     }
@@ -244,7 +238,7 @@ S StringBase<S, Unit>::Printable() const {
         *out++ = static_cast<Unit>("0123456789abcdef"[low >> 4]);
         *out++ = static_cast<Unit>("0123456789abcdef"[low & 15]);
     }
-    *out = 0;
+    block->End(static_cast<size_type>(out - block->Text()));
     return Adopt(block);
 }
 
@@ -280,6 +274,7 @@ void StringBase<S, Unit>::ResolveEsc() {
         }
     }
     *out = 0;
+    m_block->ForgetLength(); // an escape may have made a zero unit, which ends the text
 }
 
 // ---- file forms -----------------------------------------------------------------------------
@@ -336,8 +331,9 @@ template <class S, class Unit>
 bool StringBase<S, Unit>::ReadLn(std::FILE* stream) {
     if (!stream)
         return false;
-    FileLock const lock(stream); // one lock for the test and all the pieces of the line
-    if (std::feof(stream))
+    // One lock for the test and all the pieces of the line.
+    qv::platform::StreamLock const lock(stream);
+    if (lock.EndFlagged())
         return false;
     // Emptied, but with a private block, as the line is built in it. The pieces are read
     // straight into the block's free tail, so a line costs one pass over each piece and, once
@@ -345,6 +341,8 @@ bool StringBase<S, Unit>::ReadLn(std::FILE* stream) {
     constexpr size_type kPiece = 511;
     if (!m_block || m_block->count.load(std::memory_order_acquire) > 1)
         Reset(CreateShared(kPiece));
+    // Every piece is terminated, so should reading throw, a scan finds where the text ends.
+    m_block->ForgetLength();
     size_type length = 0;
     for (;;) {
         Unit* piece = TailRoom(length, kPiece);
@@ -358,10 +356,10 @@ bool StringBase<S, Unit>::ReadLn(std::FILE* stream) {
         if (n < kPiece || piece[n - 1] == Unit('\n'))
             break;
     }
-    Unit* text = m_block->Text();
+    Unit const* text = m_block->Text();
     while (length > 0 && text[length - 1] == Unit('\n'))
         --length;
-    text[length] = 0;
+    m_block->End(length);
     return true;
 }
 

@@ -12,6 +12,7 @@ WString::WString(BString const& narrow) {
     Block* b = CreateShared(static_cast<size_type>(size - 1));
     qv::platform::MultiByteToWideChar(narrow.CStr(), -1, b->Text(), size);
     b->Text()[size - 1] = 0;
+    b->ForgetLength(); // left to a scan: the block was made empty
     Reset(b);
 }
 
@@ -25,6 +26,7 @@ std::string WString::ToUtf8() const {
 
 char16_t* WString::Str() {
     Unshare();
+    m_block->ExposeText();
     return m_block->Text();
 }
 

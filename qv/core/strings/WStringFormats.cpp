@@ -13,7 +13,7 @@ void WString::EncodeMemory(void const* data, unsigned long long n) {
         *out++ = static_cast<char16_t>((bytes[i] >> 4) | 0x30);
         *out++ = static_cast<char16_t>((bytes[i] & 15) | 0x30);
     }
-    *out = 0;
+    block->End(2 * n);
     Reset(block);
 }
 

@@ -181,3 +181,63 @@ TYPED_TEST(StringTest, NullEmptyAndSharedResults) {
     EXPECT_EQ(upper.CStr(), mixed.CStr()) << "ToUpper hands back a copy sharing the result";
     EXPECT_EQ(Ascii(Lit<S>("<").c_str() + Make<S>("b")), "<b");
 }
+
+// The length a block keeps must follow every writer, also writes through handed-out text: each
+// row changes a string whose block has spare room (so that writers work in place), and then
+// the length and an append must agree with the text's terminator.
+TYPED_TEST(StringTest, KeptLengthFollowsEveryWriter) {
+    using S = TypeParam;
+    using U = UnitOf<S>;
+    auto L = [](char const* a) { return Lit<S>(a); };
+    struct Row {
+        char const* name;
+        std::function<void(S&)> change;
+        char const* text;
+    };
+    std::vector<Row> const rows = {
+        {"terminator written through Str", [](S& s) { s.Str()[2] = 0; }, "ab"},
+        {"Str kept across an append in place",
+         [](S& s) {
+             U* p = s.Str();
+             s.Append(U('h')); // fits the block, so p stays valid
+             p[1] = 0;
+         },
+         "a"},
+        {"SetAt a terminator", [](S& s) { s.SetAt(3, U(0)); }, "abc"},
+        {"SetAt inside", [](S& s) { s.SetAt(0, U('X')); }, "Xbcdefg"},
+        {"Insert a zero character", [](S& s) { s.Insert(U(0), 1); }, "a"},
+        {"Append a zero character", [](S& s) { s.Append(U(0)); }, "abcdefg"},
+        {"Fill in place, shorter", [](S& s) { s.Fill(2, U('y')); }, "yy"},
+        {"Fill with zeros", [](S& s) { s.Fill(4, U(0)); }, ""},
+        {"Remove inside", [](S& s) { s.Remove(1, 2); }, "adefg"},
+        {"CutAfter", [](S& s) { s.CutAfter(U('c')); }, "abc"},
+        {"EraseAllChars", [](S& s) { s.EraseAllChars(U('d')); }, "abcefg"},
+        {"ResolveEsc to a zero unit",
+         [&](S& s) {
+             s = L("a\\x00b").c_str();
+             s.Append(U('c'));
+             s.ResolveEsc();
+         },
+         "a"},
+        {"ReadLn of a shorter line into the block",
+         [&](S& s) {
+             auto const units = L("xy\nlonger\n");
+             std::FILE* f = std::tmpfile();
+             std::fwrite(units.data(), sizeof(U), units.size(), f);
+             std::rewind(f);
+             s.ReadLn(f);
+             std::fclose(f);
+         },
+         "xy"},
+        {"Printf with a zero character", [&](S& s) { s.Printf(L("ab%cd").c_str(), 0); }, "ab"},
+    };
+    for (auto const& row : rows) {
+        S s = Make<S>("abcdef");
+        s.Append(U('g'));
+        row.change(s);
+        EXPECT_EQ(s.Length(), Ascii(s).size()) << row.name;
+        s.Append(L("#").c_str());
+        EXPECT_EQ(Ascii(s), std::string(row.text) + "#") << row.name;
+        EXPECT_EQ(s.View().size(), std::string(row.text).size() + 1) << row.name;
+    }
+}
