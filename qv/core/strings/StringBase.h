@@ -253,7 +253,8 @@ public:
     // Changing. Every writer unshares first: strings sharing the block keep their text.
     /// @name Appends; null text does nothing. A string may be appended to itself. A block
     /// that must grow at least doubles, so appending piece by piece costs amortised linear
-    /// copying (finding the end still scans the text).
+    /// copying; the end is found from the kept length, or by a scan on a block whose
+    /// writable text was handed out.
     ///@{
     S& Append(S const& other);
     S& Append(Unit const* text);

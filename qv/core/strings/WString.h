@@ -33,7 +33,8 @@ public:
     ///@}
 
     /// Unshares and hands out the writable text, never null (a null string gets an empty
-    /// block). Write within the length; a terminator written shortens the string.
+    /// block). Write within the length; a terminator written shortens the string. From then
+    /// on the block counts its length afresh on every call instead of keeping it.
     char16_t* Str();
 
     /// @name The unit at the index without a bounds check; 0 on a null string.
