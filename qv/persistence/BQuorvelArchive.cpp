@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 #include <deque>
+#include <memory>
 #include <qv/core/BError.h>
 #include <qv/persistence/BQuorvelArchive.h>
 #include <qv/persistence/Tupel.h>
@@ -61,6 +62,34 @@ long long Tell(std::FILE* file) {
 
 constexpr std::size_t kNoRecord = static_cast<std::size_t>(-1);
 
+// A growing array kept in chunks of fixed size. Appending never moves what is there: the
+// tables of a large load (a record and a few notes per object) grow without copying
+// themselves over and over, and without touching twice the memory they end up needing.
+template <class T>
+class ChunkedArray {
+public:
+    T& operator[](std::size_t at) { return m_chunks[at >> kShift][at & kMask]; }
+    T const& operator[](std::size_t at) const { return m_chunks[at >> kShift][at & kMask]; }
+    std::size_t size() const { return m_size; }
+    T& emplace_back() {
+        if ((m_size >> kShift) == m_chunks.size())
+            m_chunks.push_back(std::make_unique_for_overwrite<T[]>(kChunk));
+        T& added = (*this)[m_size++];
+        added = T{};
+        return added;
+    }
+    void push_back(T const& value) { emplace_back() = value; }
+    // Keeps the chunks for what comes next.
+    void clear() { m_size = 0; }
+
+private:
+    static constexpr std::size_t kShift = 12;
+    static constexpr std::size_t kChunk = std::size_t{1} << kShift;
+    static constexpr std::size_t kMask = kChunk - 1;
+    std::vector<std::unique_ptr<T[]>> m_chunks;
+    std::size_t m_size = 0;
+};
+
 struct KeyEntry {
     std::size_t record = kNoRecord; // the last record of the file under this key
     BSmartObj* object = nullptr;    // loaded; the list of loaded objects owns it
@@ -96,7 +125,7 @@ public:
     // of numbers are entered then, in file order, so that later records win. Entries keep
     // their addresses from here on: the array is not resized again, and the other keys live
     // in nodes of a hash map.
-    void Build(std::vector<Record>& records) {
+    void Build(ChunkedArray<Record>& records) {
         m_slots.resize(records.size() + 1);
         for (std::size_t at = 0; at < records.size(); ++at) {
             Record& record = records[at];
@@ -313,7 +342,7 @@ private:
         return kNone;
     }
 
-    std::vector<Note> m_notes;
+    ChunkedArray<Note> m_notes;
     std::uint32_t m_reader = 0;
     std::uint32_t m_readers = 0;
     Stretch* m_current = nullptr;
@@ -362,7 +391,7 @@ struct BQuorvelArchive::State {
         NoteBook::Stretch notes;
     };
     KeyTable keys;
-    std::vector<Record> records;
+    ChunkedArray<Record> records;
     // The class names of the records, with "class " in front, each once, and the read
     // function found for each so far. A found function stays: the table of read functions
     // only grows, and its older rows win.

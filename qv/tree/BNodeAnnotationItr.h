@@ -7,7 +7,7 @@
 
 class QV_EXPORT BNodeAnnotationItr : public qv::detail::NodeListItr<BSmartObj> {
 public:
-    explicit BNodeAnnotationItr(BNode& node) : NodeListItr(node.Annotations()), m_node(&node) {}
+    explicit BNodeAnnotationItr(BNode& node) : NodeListItr(node.EditAnnotations()), m_node(&node) {}
     // Unlinks the annotation, stands on the next, then the node announces the change.
     void RemoveCurrent() { RemoveDecor(m_node); }
 

@@ -7,7 +7,7 @@
 
 class QV_EXPORT BNodeAttribItr : public qv::detail::NodeListItr<BAttribute> {
 public:
-    explicit BNodeAttribItr(BNode& node) : NodeListItr(node.Attributes()), m_node(&node) {}
+    explicit BNodeAttribItr(BNode& node) : NodeListItr(node.EditAttributes()), m_node(&node) {}
     // Unlinks the attribute, stands on the next, then the node announces the change.
     void RemoveCurrent() { RemoveDecor(m_node); }
 
