@@ -506,8 +506,14 @@ struct BQuorvelArchive::State {
         while (position < end) {
             int version = 0;
             unsigned long long size = 0;
-            if (!BSmartObj::ReadPrefix(owner, id, name, className, version, size))
-                return false;
+            std::string_view texts[3];
+            if (!PrefixInBuffer(texts, version, size)) {
+                if (!BSmartObj::ReadPrefix(owner, id, name, className, version, size))
+                    return false;
+                texts[0] = id.View();
+                texts[1] = name.View();
+                texts[2] = className.View();
+            }
             long long data = ReadPosition();
             // A negative size is the placeholder of a record that never got finished. It is
             // refused as such, also where seeking back by it would succeed: that could walk
@@ -518,9 +524,9 @@ struct BQuorvelArchive::State {
             Record& record = records.emplace_back();
             record.data = data;
             record.version = version;
-            record.className = InternClassName(className);
+            record.className = InternClassName(texts[2]);
             for (int which = 0; which < 2; ++which) {
-                std::string_view key = (which == 0 ? id : name).View();
+                std::string_view key = texts[which];
                 unsigned long long number = 0;
                 if (KeyTable::IsNumber(key, number)) {
                     record.keys[which].number = number;
@@ -541,14 +547,60 @@ struct BQuorvelArchive::State {
     }
 
     // Few classes make up a file, and records of one class mostly follow each other.
-    std::uint32_t InternClassName(BString const& className) {
-        std::string_view raw = className.View();
+    // The prefix of the record at the read position, taken straight from the read-ahead
+    // buffer when all of it is there: id, name and class name as they would read (up to a
+    // zero byte, as a string's text ends there), the version and the size. False, with
+    // nothing read, when the buffer ends inside the prefix or a tag is wrong; the general path
+    // then reads the prefix and decides. Opening reads a prefix per record, and making three
+    // strings of each was a good part of the scan.
+    bool PrefixInBuffer(std::string_view (&texts)[3], int& version, unsigned long long& size) {
+        // A derived class may read its bytes otherwise: it always takes the general path.
+        if (!Good() || typeid(owner) != typeid(BQuorvelArchive))
+            return false;
+        TakeBack();
+        unsigned char const* p = input.data() + inputPosition;
+        unsigned char const* const end = input.data() + inputEnd;
+        for (std::string_view& text : texts) {
+            std::uint32_t length = 0;
+            if (end - p < 5 || p[0] != 'S')
+                return Lent(false);
+            std::memcpy(&length, p + 1, 4);
+            p += 5;
+            if (static_cast<std::size_t>(end - p) < length)
+                return Lent(false);
+            auto const* chars = reinterpret_cast<char const*>(p);
+            auto const* zero = static_cast<char const*>(std::memchr(chars, 0, length));
+            text = std::string_view(chars, zero ? static_cast<std::size_t>(zero - chars) : length);
+            p += length;
+        }
+        std::size_t const sizeWidth = formatVersion >= 8 ? 8 : 4;
+        if (static_cast<std::size_t>(end - p) < 4 + sizeWidth)
+            return Lent(false);
+        std::int32_t stored = 0;
+        std::memcpy(&stored, p, 4);
+        version = stored;
+        if (sizeWidth == 8) {
+            std::memcpy(&size, p + 4, 8);
+        } else {
+            std::int32_t narrow = 0;
+            std::memcpy(&narrow, p + 4, 4);
+            size = static_cast<unsigned long long>(static_cast<long long>(narrow));
+        }
+        inputPosition = static_cast<std::size_t>(p + 4 + sizeWidth - input.data());
+        return Lent(true);
+    }
+    bool Lent(bool result) {
+        Lend();
+        return result;
+    }
+
+    std::uint32_t InternClassName(std::string_view raw) {
         if (!classNames.empty() && lastClassRaw == raw)
             return lastClass;
         auto [found, added] =
             classIndex.try_emplace(std::string(raw), static_cast<std::uint32_t>(classNames.size()));
         if (added) {
-            BString full = className;
+            BString full{raw};
             AddClassPrefix(full);
             classNames.push_back(full);
             readFunctions.push_back(nullptr);
