@@ -29,9 +29,11 @@ inline std::string TempFile(char const* name) {
     return (std::filesystem::temp_directory_path() / name).string();
 }
 
-// Bytes of the heap in use now, as the allocator counts them.
+// Bytes of the heap in use now, as the allocator counts them: in its arena and in blocks it
+// mapped on their own (large allocations, such as the blocks loaded nodes are placed in).
 inline double HeapInUse() {
-    return static_cast<double>(mallinfo2().uordblks);
+    struct mallinfo2 const info = mallinfo2();
+    return static_cast<double>(info.uordblks + info.hblkhd);
 }
 
 // The sizes, the unit and the running time every case shares. Every case runs for at least a

@@ -122,23 +122,54 @@ template <>
 BArchive& BArchive::operator>>(WString& value) {
     std::int32_t count = 0;
     *this >> count;
+    ReadUnitsOf(count, value);
+    return *this;
+}
+
+void BArchive::ReadUnitsOf(std::int32_t count, WString& value) {
     if (count > 0 && static_cast<unsigned long long>(count) <= kFirstPiece) {
         // Blanks give the string a buffer of its own, which the units are read into.
         unsigned long long const bytes = static_cast<unsigned long long>(count) * 2;
         value.Fill(static_cast<std::size_t>(count), u' ');
         if (ReadBytes(value.Str(), bytes) != bytes)
             value.Clear();
-        return *this;
+        return;
     }
     std::u16string units;
     if (count > 0 && ReadUnits(*this, units, static_cast<unsigned long long>(count)) ==
                          static_cast<unsigned long long>(count)) {
         value = WString(std::u16string_view(units));
-        return *this;
+        return;
     }
     // A count of 0 or below, or a short read, leaves the string empty.
     value.Clear();
-    return *this;
+}
+
+void BArchive::ReadSharedText(WString& value) {
+    // Only short texts are looked for: names are short, and a long text seldom repeats. The
+    // recent texts sit in a few slots chosen by length and end units, so a lookup is one
+    // comparison; the slots keep at most their few short blocks between loads.
+    constexpr std::int32_t kShortText = 32;
+    constexpr std::size_t kSlots = 16;
+    thread_local WString recent[kSlots];
+    std::int32_t count = 0;
+    *this >> count;
+    if (count <= 0 || count > kShortText) {
+        ReadUnitsOf(count, value);
+        return;
+    }
+    char16_t units[kShortText];
+    unsigned long long const bytes = static_cast<unsigned long long>(count) * 2;
+    if (ReadBytes(units, bytes) != bytes) {
+        value.Clear(); // a short read leaves the string empty, as operator>> does
+        return;
+    }
+    std::u16string_view text(units, static_cast<std::size_t>(count));
+    WString& slot =
+        recent[(static_cast<std::size_t>(count) * 31 + units[0] * 7u + units[count - 1]) % kSlots];
+    if (slot.View() != text)
+        slot = WString(text);
+    value = slot;
 }
 
 NArchive::ReadFunction BArchive::SmartObjReadFunction(BString className) {

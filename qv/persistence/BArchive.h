@@ -104,6 +104,12 @@ public:
     /// fields that a newer form no longer uses. Throws ARCHIVE_BAD_STRING as operator>> does.
     void SkipString();
 
+    /// Reads a WString as operator>> does. A short text equal to one that this thread read
+    /// this way shortly before gets that text's block instead of a block of its own: names
+    /// repeat throughout a large tree, and a block that copy-on-write strings share reads the
+    /// same as one of their own. Fails as operator>> does.
+    void ReadSharedText(WString& value);
+
     /// True when reading is possible: read mode on a good archive.
     bool CanRead() const { return Mode() == READ && IsGood(); }
 
@@ -233,6 +239,8 @@ protected:
     ///@}
 
 private:
+    // The units of a WString whose count was read, as operator>> reads them.
+    void ReadUnitsOf(std::int32_t count, WString& value);
     bool TakeFromWindow(void* buffer, std::size_t size) {
         if (static_cast<std::size_t>(m_readEnd - m_readNext) < size)
             return false;

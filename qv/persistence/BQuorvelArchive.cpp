@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 #include <deque>
+#include <memory>
 #include <qv/core/BError.h>
 #include <qv/persistence/BQuorvelArchive.h>
 #include <qv/persistence/Tupel.h>
@@ -61,6 +62,34 @@ long long Tell(std::FILE* file) {
 
 constexpr std::size_t kNoRecord = static_cast<std::size_t>(-1);
 
+// A growing array kept in chunks of fixed size. Appending never moves what is there: the
+// tables of a large load (a record and a few notes per object) grow without copying
+// themselves over and over, and without touching twice the memory they end up needing.
+template <class T>
+class ChunkedArray {
+public:
+    T& operator[](std::size_t at) { return m_chunks[at >> kShift][at & kMask]; }
+    T const& operator[](std::size_t at) const { return m_chunks[at >> kShift][at & kMask]; }
+    std::size_t size() const { return m_size; }
+    T& emplace_back() {
+        if ((m_size >> kShift) == m_chunks.size())
+            m_chunks.push_back(std::make_unique_for_overwrite<T[]>(kChunk));
+        T& added = (*this)[m_size++];
+        added = T{};
+        return added;
+    }
+    void push_back(T const& value) { emplace_back() = value; }
+    // Keeps the chunks for what comes next.
+    void clear() { m_size = 0; }
+
+private:
+    static constexpr std::size_t kShift = 12;
+    static constexpr std::size_t kChunk = std::size_t{1} << kShift;
+    static constexpr std::size_t kMask = kChunk - 1;
+    std::vector<std::unique_ptr<T[]>> m_chunks;
+    std::size_t m_size = 0;
+};
+
 struct KeyEntry {
     std::size_t record = kNoRecord; // the last record of the file under this key
     BSmartObj* object = nullptr;    // loaded; the list of loaded objects owns it
@@ -96,7 +125,7 @@ public:
     // of numbers are entered then, in file order, so that later records win. Entries keep
     // their addresses from here on: the array is not resized again, and the other keys live
     // in nodes of a hash map.
-    void Build(std::vector<Record>& records) {
+    void Build(ChunkedArray<Record>& records) {
         m_slots.resize(records.size() + 1);
         for (std::size_t at = 0; at < records.size(); ++at) {
             Record& record = records[at];
@@ -313,7 +342,7 @@ private:
         return kNone;
     }
 
-    std::vector<Note> m_notes;
+    ChunkedArray<Note> m_notes;
     std::uint32_t m_reader = 0;
     std::uint32_t m_readers = 0;
     Stretch* m_current = nullptr;
@@ -362,7 +391,7 @@ struct BQuorvelArchive::State {
         NoteBook::Stretch notes;
     };
     KeyTable keys;
-    std::vector<Record> records;
+    ChunkedArray<Record> records;
     // The class names of the records, with "class " in front, each once, and the read
     // function found for each so far. A found function stays: the table of read functions
     // only grows, and its older rows win.
@@ -477,8 +506,14 @@ struct BQuorvelArchive::State {
         while (position < end) {
             int version = 0;
             unsigned long long size = 0;
-            if (!BSmartObj::ReadPrefix(owner, id, name, className, version, size))
-                return false;
+            std::string_view texts[3];
+            if (!PrefixInBuffer(texts, version, size)) {
+                if (!BSmartObj::ReadPrefix(owner, id, name, className, version, size))
+                    return false;
+                texts[0] = id.View();
+                texts[1] = name.View();
+                texts[2] = className.View();
+            }
             long long data = ReadPosition();
             // A negative size is the placeholder of a record that never got finished. It is
             // refused as such, also where seeking back by it would succeed: that could walk
@@ -489,9 +524,9 @@ struct BQuorvelArchive::State {
             Record& record = records.emplace_back();
             record.data = data;
             record.version = version;
-            record.className = InternClassName(className);
+            record.className = InternClassName(texts[2]);
             for (int which = 0; which < 2; ++which) {
-                std::string_view key = (which == 0 ? id : name).View();
+                std::string_view key = texts[which];
                 unsigned long long number = 0;
                 if (KeyTable::IsNumber(key, number)) {
                     record.keys[which].number = number;
@@ -512,14 +547,60 @@ struct BQuorvelArchive::State {
     }
 
     // Few classes make up a file, and records of one class mostly follow each other.
-    std::uint32_t InternClassName(BString const& className) {
-        std::string_view raw = className.View();
+    // The prefix of the record at the read position, taken straight from the read-ahead
+    // buffer when all of it is there: id, name and class name as they would read (up to a
+    // zero byte, as a string's text ends there), the version and the size. False, with
+    // nothing read, when the buffer ends inside the prefix or a tag is wrong; the general path
+    // then reads the prefix and decides. Opening reads a prefix per record, and making three
+    // strings of each was a good part of the scan.
+    bool PrefixInBuffer(std::string_view (&texts)[3], int& version, unsigned long long& size) {
+        // A derived class may read its bytes otherwise: it always takes the general path.
+        if (!Good() || typeid(owner) != typeid(BQuorvelArchive))
+            return false;
+        TakeBack();
+        unsigned char const* p = input.data() + inputPosition;
+        unsigned char const* const end = input.data() + inputEnd;
+        for (std::string_view& text : texts) {
+            std::uint32_t length = 0;
+            if (end - p < 5 || p[0] != 'S')
+                return Lent(false);
+            std::memcpy(&length, p + 1, 4);
+            p += 5;
+            if (static_cast<std::size_t>(end - p) < length)
+                return Lent(false);
+            auto const* chars = reinterpret_cast<char const*>(p);
+            auto const* zero = static_cast<char const*>(std::memchr(chars, 0, length));
+            text = std::string_view(chars, zero ? static_cast<std::size_t>(zero - chars) : length);
+            p += length;
+        }
+        std::size_t const sizeWidth = formatVersion >= 8 ? 8 : 4;
+        if (static_cast<std::size_t>(end - p) < 4 + sizeWidth)
+            return Lent(false);
+        std::int32_t stored = 0;
+        std::memcpy(&stored, p, 4);
+        version = stored;
+        if (sizeWidth == 8) {
+            std::memcpy(&size, p + 4, 8);
+        } else {
+            std::int32_t narrow = 0;
+            std::memcpy(&narrow, p + 4, 4);
+            size = static_cast<unsigned long long>(static_cast<long long>(narrow));
+        }
+        inputPosition = static_cast<std::size_t>(p + 4 + sizeWidth - input.data());
+        return Lent(true);
+    }
+    bool Lent(bool result) {
+        Lend();
+        return result;
+    }
+
+    std::uint32_t InternClassName(std::string_view raw) {
         if (!classNames.empty() && lastClassRaw == raw)
             return lastClass;
         auto [found, added] =
             classIndex.try_emplace(std::string(raw), static_cast<std::uint32_t>(classNames.size()));
         if (added) {
-            BString full = className;
+            BString full{raw};
             AddClassPrefix(full);
             classNames.push_back(full);
             readFunctions.push_back(nullptr);

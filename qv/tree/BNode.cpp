@@ -1,5 +1,9 @@
+#include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
+#include <new>
 #include <qv/operations/BDispatcher.h>
 #include <qv/operations/MessageNumbers.h>
 #include <qv/operations/QVPost.h>
@@ -9,6 +13,7 @@
 #include <qv/tree/BVisitor.h>
 #include <typeinfo>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 QV_REGISTER_CLASSNAME(BNode);
@@ -28,7 +33,127 @@ bool SameName(WString const& a, WString const& b) {
     return qv::platform::StrCmpIW(a.CStr(), b.CStr()) == 0;
 }
 
+// Loaded nodes are placed side by side in large blocks instead of taking one heap allocation
+// each: a load makes a node per record, and taking them from the heap one by one was a good
+// part of its time. A block goes back to the heap when the last node in it is destroyed,
+// whichever thread that happens on, so a tree frees its blocks with its last node. Each
+// thread fills one block at a time; the nodes placed are counted plainly while it fills and
+// the count is published when the thread moves on, so placing a node needs no atomic step.
+class NodeBlocks {
+public:
+    static NodeBlocks& OfThread() {
+        thread_local NodeBlocks blocks;
+        return blocks;
+    }
+    NodeBlocks() = default;
+    NodeBlocks(NodeBlocks const&) = delete;
+    NodeBlocks& operator=(NodeBlocks const&) = delete;
+    ~NodeBlocks() { Seal(); }
+
+    // Room for an object of the size, at the given alignment (a power of two, at most that
+    // of max_align_t).
+    void* Take(std::size_t size, std::size_t align) {
+        std::size_t pad = (align - reinterpret_cast<std::uintptr_t>(m_next) % align) % align;
+        if (!m_block || static_cast<std::size_t>(m_end - m_next) < pad + size) {
+            Seal();
+            Open(); // the header keeps the first place aligned
+            pad = 0;
+        }
+        void* place = m_next + pad;
+        m_next += pad + size;
+        ++m_placed;
+        return place;
+    }
+
+    static void Give(void* place) {
+        auto* block = reinterpret_cast<Header*>(reinterpret_cast<std::uintptr_t>(place) &
+                                                ~static_cast<std::uintptr_t>(kBlock - 1));
+        if (block->live.fetch_sub(1, std::memory_order_acq_rel) == 1)
+            Free(block);
+    }
+
+private:
+    // The block's header, at its start: blocks are aligned to their size, so a node finds
+    // its block from its own address.
+    struct alignas(64) Header {
+        // Nodes alive in the block; while the block fills, kFilling stands in for the ones
+        // not yet published.
+        std::atomic<long long> live;
+    };
+    static constexpr std::size_t kBlock = std::size_t{256} * 1024;
+    static constexpr long long kFilling = 1LL << 40;
+
+    void Open() {
+        void* memory = std::aligned_alloc(kBlock, kBlock);
+        if (!memory)
+            throw std::bad_alloc();
+        m_block = ::new (memory) Header{kFilling};
+        m_next = static_cast<char*>(memory) + sizeof(Header);
+        m_end = static_cast<char*>(memory) + kBlock;
+        m_placed = 0;
+    }
+    void Seal() {
+        if (!m_block)
+            return;
+        Header* block = std::exchange(m_block, nullptr);
+        long long const change = m_placed - kFilling;
+        if (block->live.fetch_add(change, std::memory_order_acq_rel) + change == 0)
+            Free(block);
+    }
+    static void Free(Header* block) {
+        block->~Header();
+        std::free(block);
+    }
+
+    Header* m_block = nullptr;
+    char* m_next = nullptr;
+    char* m_end = nullptr;
+    long long m_placed = 0;
+};
+
 } // namespace
+
+void BNode::operator delete(BNode* node, std::destroying_delete_t) {
+    // Read before the node is gone; the whole object may be of a class derived from ours.
+    bool const inBlock = node->m_inBlock;
+    void* whole = dynamic_cast<void*>(node);
+    node->~BNode();
+    if (inBlock)
+        NodeBlocks::Give(whole);
+    else
+        ::operator delete(whole);
+}
+
+struct BNode::Decor {
+    DList<SP<BAttribute>> attributes;
+    DList<SP<BSmartObj>> annotations;
+
+    bool IsEmpty() const { return attributes.IsEmpty() && annotations.IsEmpty(); }
+};
+
+BNode::Decor& BNode::EditDecor() {
+    if (!m_decor)
+        m_decor = std::make_unique<Decor>();
+    return *m_decor;
+}
+
+DList<SP<BAttribute>>& BNode::EditAttributes() {
+    return EditDecor().attributes;
+}
+
+DList<SP<BSmartObj>>& BNode::EditAnnotations() {
+    return EditDecor().annotations;
+}
+
+DList<SP<BAttribute>> const& BNode::Attributes() const {
+    static DList<SP<BAttribute>> const none;
+    return m_decor ? m_decor->attributes : none;
+}
+
+DList<SP<BSmartObj>> const& BNode::Annotations() const {
+    static DList<SP<BSmartObj>> const none;
+    return m_decor ? m_decor->annotations : none;
+}
 
 // ---- construction, copying, destruction -----------------------------------------------------
 
@@ -101,10 +226,14 @@ void BNode::CopyFlagsAndDecor(BNode const& other) {
     m_locked = other.m_locked;
     m_messageDispatcher = other.m_messageDispatcher;
     m_object = other.m_object;
-    m_attributes.RemoveAll();
-    m_attributes.AddList(other.m_attributes);
-    m_annotations.RemoveAll();
-    m_annotations.AddList(other.m_annotations);
+    if (m_decor) {
+        m_decor->attributes.RemoveAll();
+        m_decor->annotations.RemoveAll();
+    }
+    if (other.m_decor && !other.m_decor->IsEmpty()) {
+        EditAttributes().AddList(other.m_decor->attributes);
+        EditAnnotations().AddList(other.m_decor->annotations);
+    }
 }
 
 void BNode::CopyChildren(BNode const& other, bool announce) {
@@ -128,20 +257,25 @@ int BNode::Version() const {
 void BNode::WriteData(BArchive& archive) const {
     archive.WriteObjectRef(m_object);
     archive.WriteObjectList(m_children);
-    archive.WriteObjectList(m_attributes);
+    archive.WriteObjectList(Attributes());
     archive << m_text.AsString(); // still written for readers of the first format
     archive.WriteIndex(m_parent); // the parent is referred to, never queued
     archive << static_cast<std::uint8_t>((m_active ? 1 : 0) | (m_locked ? 2 : 0));
     archive << m_text;
-    archive.WriteObjectList(m_annotations);
+    archive.WriteObjectList(Annotations());
 }
 
 SP<BSmartObj> BNode::Read(BArchive& archive, int version) {
-    SP<BNode> node = new BNode;
+    SP<BNode> node = ::new (NodeBlocks::OfThread().Take(sizeof(BNode), alignof(BNode))) BNode;
+    node->m_inBlock = true;
     node->m_underLoad = archive.ResolvesLater();
     archive.ReadObjectRef(node->m_object);
     archive.ReadObjectList(node->m_children);
-    archive.ReadObjectList(node->m_attributes);
+    // Most nodes have neither attributes nor annotations: both lists are read into a spare
+    // block of the thread, which becomes the node's only if it holds something.
+    thread_local std::unique_ptr<Decor> spare;
+    std::unique_ptr<Decor> decor = spare ? std::move(spare) : std::make_unique<Decor>();
+    archive.ReadObjectList(decor->attributes);
     // The narrow text is only the text of the first format; later ones carry it wide.
     BString narrow;
     if (version == 0)
@@ -159,18 +293,22 @@ SP<BSmartObj> BNode::Read(BArchive& archive, int version) {
     if (version == 0)
         node->m_text = WString(narrow);
     else
-        archive >> node->m_text;
+        archive.ReadSharedText(node->m_text);
     if (version >= 2)
-        archive.ReadObjectList(node->m_annotations);
+        archive.ReadObjectList(decor->annotations);
     if (!node->m_underLoad) {
         // From a stream the references are objects already and no UpdateAssociations
         // follows: a stored null, or an object of another class where a node or attribute
         // belongs, leaves nothing in the lists. The children keep a null parent, as the
         // stream holds no parent.
         DropNulls(node->m_children);
-        DropNulls(node->m_attributes);
-        DropNulls(node->m_annotations);
+        DropNulls(decor->attributes);
+        DropNulls(decor->annotations);
     }
+    if (decor->IsEmpty())
+        spare = std::move(decor);
+    else
+        node->m_decor = std::move(decor);
     return node;
 }
 
@@ -187,8 +325,10 @@ void BNode::UpdateAssociations(BArchive& archive) {
     BSmartObj::UpdateAssociations(archive);
     archive.ResolveObjectRef(m_object);
     archive.ResolveObjectList(m_children);
-    archive.ResolveObjectList(m_attributes);
-    archive.ResolveObjectList(m_annotations);
+    if (m_decor) {
+        archive.ResolveObjectList(m_decor->attributes);
+        archive.ResolveObjectList(m_decor->annotations);
+    }
     // A node may hold another node as its object, attribute or annotation (a free-standing
     // node, a sibling): every such association is kept. Only one that would close a cycle of
     // owners goes, since such a cycle keeps itself alive for ever; in a file the library writes
@@ -200,8 +340,10 @@ void BNode::UpdateAssociations(BArchive& archive) {
     if (ClosesCycle(AsNode(m_object.get()), seen))
         m_object = nullptr;
     ClaimChildren(seen);
-    DropNullsAndCycles(m_attributes, seen);
-    DropNullsAndCycles(m_annotations, seen);
+    if (m_decor) {
+        DropNullsAndCycles(m_decor->attributes, seen);
+        DropNullsAndCycles(m_decor->annotations, seen);
+    }
     m_underLoad = false;
 }
 
@@ -248,9 +390,9 @@ bool BNode::ClosesCycle(BNode const* target, std::unordered_set<BNode const*>& s
         visit(node->m_object.get());
         for (SP<BNode> const& child : node->m_children)
             visit(child.get());
-        for (SP<BAttribute> const& attribute : node->m_attributes)
+        for (SP<BAttribute> const& attribute : node->Attributes())
             visit(attribute.get());
-        for (SP<BSmartObj> const& annotation : node->m_annotations)
+        for (SP<BSmartObj> const& annotation : node->Annotations())
             visit(annotation.get());
         if (found) {
             // The nodes walked on the way lead here: they are no longer known not to.
@@ -344,7 +486,7 @@ void BNode::Traverse(BVisitor* visitor) {
     visitor->PushPath(this);
     // Each walk takes the next element before it calls out, so a visitor may remove the
     // element it has just been given.
-    for (auto pos = m_attributes.HeadPosition(); pos.IsValid();) {
+    for (auto pos = Attributes().HeadPosition(); pos.IsValid();) {
         BAttribute* attribute = *pos;
         pos.Next();
         visitor->PushAttrib(attribute);
@@ -353,9 +495,9 @@ void BNode::Traverse(BVisitor* visitor) {
         SendMsg(MSG_NODE_TREATED, this);
     if (visitor->Treat(m_object) && IsMessageDispatcher())
         SendMsg(MSG_NODE_TREATED, this);
-    if (!m_annotations.IsEmpty()) {
+    if (!Annotations().IsEmpty()) {
         SP<BSmartObj const> owner = m_object ? m_object.get() : static_cast<BSmartObj*>(this);
-        for (auto pos = m_annotations.HeadPosition(); pos.IsValid();) {
+        for (auto pos = Annotations().HeadPosition(); pos.IsValid();) {
             SP<BSmartObj> annotation = *pos;
             pos.Next();
             visitor->TreatAnnotation(annotation, owner);
@@ -367,7 +509,7 @@ void BNode::Traverse(BVisitor* visitor) {
         if (child)
             child->Traverse(visitor);
     }
-    for (auto pos = m_attributes.TailPosition(); pos.IsValid();) {
+    for (auto pos = Attributes().TailPosition(); pos.IsValid();) {
         BAttribute* attribute = *pos;
         pos.Prev();
         visitor->PopAttrib(attribute);
@@ -440,19 +582,19 @@ bool BNode::AddAttrib(BAttribute* attribute) {
     if (BAttribute* old = Attrib(attribute->Name())) {
         if (old == attribute)
             return false;
-        RemoveFrom(m_attributes, static_cast<BAttribute const*>(old));
+        RemoveFrom(m_decor->attributes, static_cast<BAttribute const*>(old));
     }
-    m_attributes.AddTail(keep);
+    EditAttributes().AddTail(keep);
     SendMsg(MSG_NODE_DECOR_CHANGED, this);
     return true;
 }
 
 int BNode::AttribNum() const {
-    return m_attributes.Count();
+    return Attributes().Count();
 }
 
 BAttribute* BNode::Attrib(int index) const {
-    auto pos = m_attributes.PositionAt(index);
+    auto pos = Attributes().PositionAt(index);
     return pos.IsValid() ? pos->get() : nullptr;
 }
 
@@ -462,24 +604,27 @@ BAttribute* BNode::Attrib(char16_t const* name) const {
 
 BAttribute* BNode::Attrib(WString name) const {
     // A load can leave null entries behind; they have no name.
-    for (SP<BAttribute> const& attribute : m_attributes)
+    for (SP<BAttribute> const& attribute : Attributes())
         if (attribute && attribute->Name() == name)
             return attribute;
     return nullptr;
 }
 
 bool BNode::RemoveAttrib(BAttribute* attribute) {
-    if (!attribute || !RemoveFrom(m_attributes, static_cast<BAttribute const*>(attribute)))
+    if (!attribute || !m_decor ||
+        !RemoveFrom(m_decor->attributes, static_cast<BAttribute const*>(attribute)))
         return false;
     SendMsg(MSG_NODE_DECOR_CHANGED, this);
     return true;
 }
 
 bool BNode::RemoveAttrib(int index) {
-    auto pos = m_attributes.PositionAt(index);
+    if (!m_decor)
+        return false;
+    auto pos = m_decor->attributes.PositionAt(index);
     if (!pos.IsValid())
         return false;
-    m_attributes.RemoveAt(pos);
+    m_decor->attributes.RemoveAt(pos);
     SendMsg(MSG_NODE_DECOR_CHANGED, this);
     return true;
 }
@@ -493,29 +638,30 @@ bool BNode::RemoveAttrib(WString name) {
 }
 
 void BNode::RemoveAttribs() {
-    if (m_attributes.IsEmpty())
+    if (!m_decor || m_decor->attributes.IsEmpty())
         return;
-    m_attributes.RemoveAll();
+    m_decor->attributes.RemoveAll();
     SendMsg(MSG_NODE_DECOR_CHANGED, this);
 }
 
 int BNode::AnnotationNum() const {
-    return m_annotations.Count();
+    return Annotations().Count();
 }
 
 bool BNode::AddAnnotation(BSmartObj* annotation) {
     if (!annotation)
         return false;
-    for (SP<BSmartObj> const& existing : m_annotations)
+    for (SP<BSmartObj> const& existing : Annotations())
         if (existing.get() == annotation)
             return false;
-    m_annotations.AddTail(annotation);
+    EditAnnotations().AddTail(annotation);
     SendMsg(MSG_NODE_DECOR_CHANGED, this);
     return true;
 }
 
 bool BNode::RemoveAnnotation(BSmartObj* annotation) {
-    if (!annotation || !RemoveFrom(m_annotations, static_cast<BSmartObj const*>(annotation)))
+    if (!annotation || !m_decor ||
+        !RemoveFrom(m_decor->annotations, static_cast<BSmartObj const*>(annotation)))
         return false;
     // The address only names the annotation: the object may be gone by now.
     SendMsg(MSG_NODE_DECOR_CHANGED, Number(this), Number(annotation));
@@ -527,9 +673,9 @@ void BNode::AnnounceDecorChange() {
 }
 
 void BNode::RemoveAnnotations() {
-    if (m_annotations.IsEmpty())
+    if (!m_decor || m_decor->annotations.IsEmpty())
         return;
-    m_annotations.RemoveAll();
+    m_decor->annotations.RemoveAll();
     SendMsg(MSG_NODE_DECOR_CHANGED, this);
 }
 

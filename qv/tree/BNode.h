@@ -2,6 +2,8 @@
 /// BNode: the element of the object tree. See docs/nodes.md.
 #pragma once
 
+#include <memory>
+#include <new>
 #include <qv/core/BSmartObj.h>
 #include <qv/core/Export.h>
 #include <qv/core/containers/DList.h>
@@ -36,6 +38,9 @@ public:
     explicit BNode(BSmartObj* object = nullptr);
     /// Children that live on elsewhere become roots; no messages are sent.
     ~BNode() override;
+    /// Destroys the node and gives its memory back to where it came from: the heap, or the
+    /// block that a load placed it in.
+    static void operator delete(BNode* node, std::destroying_delete_t);
 
     /// The text is assigned without a message, then Copy does the rest.
     BNode const& operator=(BNode const& other);
@@ -194,15 +199,18 @@ public:
     /// node read from a stream archive leaves out references that found no object.
     static SP<BSmartObj> Read(BArchive& archive, int version);
 
-    /// @name The lists, for the iterators: read-only, valid while the node lives.
+    /// @name The lists, for the iterators: read-only, valid while the node lives. A node
+    /// without attributes or annotations hands out a shared empty list.
     ///@{
     DList<SP<BNode>> const& Children() const { return m_children; }
-    DList<SP<BAttribute>> const& Attributes() const { return m_attributes; }
-    DList<SP<BSmartObj>> const& Annotations() const { return m_annotations; }
+    DList<SP<BAttribute>> const& Attributes() const;
+    DList<SP<BSmartObj>> const& Annotations() const;
     ///@}
 
 private:
     friend class BNodeChildItr;
+    friend class BNodeAttribItr;
+    friend class BNodeAnnotationItr;
     template <class T>
     friend class qv::detail::NodeListItr;
 
@@ -232,11 +240,16 @@ private:
     static void DropNulls(DList<SP<T>>& list);
     void ClaimChildren(std::unordered_set<BNode const*>& seen);
     bool HasOwnChildren() const;
+    // Attributes and annotations, which most nodes never have, live in a block of their own
+    // that the first of them brings.
+    struct Decor;
+    Decor& EditDecor();
+    DList<SP<BAttribute>>& EditAttributes();
+    DList<SP<BSmartObj>>& EditAnnotations();
 
     SP<BSmartObj> m_object;
     DList<SP<BNode>> m_children;
-    DList<SP<BAttribute>> m_attributes;
-    DList<SP<BSmartObj>> m_annotations;
+    std::unique_ptr<Decor> m_decor;
     WString m_text;
     BNode* m_parent = nullptr;
     // Where this node stands in its parent's list, so that Sister and removal by pointer
@@ -248,4 +261,6 @@ private:
     // Set by Read while the reference fields still wait for their objects, cleared once
     // UpdateAssociations has put them in: such a node owns nothing yet.
     bool m_underLoad = false;
+    // Placed by a load in a shared block rather than taken from the heap on its own.
+    bool m_inBlock = false;
 };

@@ -13,7 +13,7 @@
 class QV_EXPORT BNodeAnnotationItr : public qv::detail::NodeListItr<BSmartObj> {
 public:
     /// Stands on the first annotation, or at the end when there is none.
-    explicit BNodeAnnotationItr(BNode& node) : NodeListItr(node.Annotations()), m_node(&node) {}
+    explicit BNodeAnnotationItr(BNode& node) : NodeListItr(node.EditAnnotations()), m_node(&node) {}
     /// Unlinks the annotation (dropping the node's reference), stands on the next, then the node
     /// announces MSG_NODE_DECOR_CHANGED. No effect at the end.
     void RemoveCurrent() { RemoveDecor(m_node); }

@@ -13,7 +13,7 @@
 class QV_EXPORT BNodeAttribItr : public qv::detail::NodeListItr<BAttribute> {
 public:
     /// Stands on the first attribute, or at the end when there is none.
-    explicit BNodeAttribItr(BNode& node) : NodeListItr(node.Attributes()), m_node(&node) {}
+    explicit BNodeAttribItr(BNode& node) : NodeListItr(node.EditAttributes()), m_node(&node) {}
     /// Unlinks the attribute (dropping the node's reference), stands on the next, then the node
     /// announces MSG_NODE_DECOR_CHANGED. No effect at the end.
     void RemoveCurrent() { RemoveDecor(m_node); }

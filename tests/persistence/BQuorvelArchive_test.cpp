@@ -376,3 +376,39 @@ TEST_F(ObjectArchive, KeysNotedForLaterLoadWithTheNextTakeOut) {
 }
 
 } // namespace
+
+TEST_F(ObjectArchive, PrefixAcrossTheReadAheadBufferIsRead) {
+    // Opening reads the prefixes from a read-ahead buffer of 64 KiB, which starts at the first
+    // record. The first record here is sized so that the second prefix begins `inBuffer`
+    // bytes before the end of the first buffer: split in its id, name, class name, version or
+    // size, or wholly inside. A name is a string up to its first zero byte.
+    struct Row {
+        char const* name;
+        std::size_t inBuffer;
+        std::string storedName;
+        char const* key;
+    };
+    Row const rows[] = {
+        {"split in the id", 2, "second", "second"},
+        {"split in the name", 12, "second", "second"},
+        {"split in the class name", 30, "second", "second"},
+        {"split in the version", 42, "second", "second"},
+        {"split in the size", 46, "second", "second"},
+        {"wholly in the buffer", 52, "second", "second"},
+        {"zero byte in the name, split", 12, "sec\0ond"s, "sec"},
+        {"zero byte in the name, whole", 60, "sec\0ond"s, "sec"},
+    };
+    for (Row const& row : rows) {
+        std::size_t const firstSize = 65536 - row.inBuffer;
+        std::string const text((firstSize - 82) / 2, 'x'); // 82 bytes of prefix and fields
+        std::string const first =
+            Record("1", "first", "class ArchiveItem", 3, ItemData(0, {}, 0, text));
+        ASSERT_EQ(first.size(), firstSize) << row.name;
+        Write(Header() + first +
+              Record("2", row.storedName, "class ArchiveItem", 3, ItemData(0, {}, 0, "b")));
+        auto archive = Open();
+        ASSERT_TRUE(archive->IsGood()) << row.name;
+        EXPECT_EQ(Text(AsItem(archive->TakeOut(row.key))), "b") << row.name;
+        EXPECT_EQ(Text(AsItem(archive->TakeOut("first"))).size(), text.size()) << row.name;
+    }
+}
