@@ -22,18 +22,21 @@ std::string NodeRecord(std::string const& id, std::string const& name, int versi
     return Record(id, name, "class BNode", version, data);
 }
 
-// The data of a node with no object, attributes or annotations, children by number.
+// The data of a node record, its associations by number.
 std::string NodeData(std::string const& narrow, std::string const& wide, std::uint64_t parent,
                      std::vector<std::uint64_t> const& children, int version = 2,
-                     unsigned flags = 1) {
-    std::string b = Le64(0) + Le32(static_cast<std::uint32_t>(children.size()));
+                     unsigned flags = 1, std::uint64_t object = 0,
+                     std::vector<std::uint64_t> const& annotations = {}) {
+    std::string b = Le64(object) + Le32(static_cast<std::uint32_t>(children.size()));
     for (auto c : children)
         b += Le64(c);
     b += Le32(0) + Str(narrow) + Le64(parent) + static_cast<char>(flags);
     if (version >= 1)
         b += WStr(wide);
     if (version >= 2)
-        b += Le32(0);
+        b += Le32(static_cast<std::uint32_t>(annotations.size()));
+    for (auto a : annotations)
+        b += Le64(a);
     return b;
 }
 
@@ -137,12 +140,10 @@ TEST_F(NodeArchiveTest, OlderVersionsAndTheNarrowText) {
     file += NodeRecord("3", "v2", 2, NodeData("narrow2", "wide2", 0, {}));
     Write(file);
     SP<BNode> v0 = Load("v0");
-    ASSERT_TRUE(v0);
+    ASSERT_TRUE(v0 && v0->Child(0));
     EXPECT_EQ(WString(v0->GetText()), WString(u"narrow0"));
-    BNode* v1 = v0->Child(0);
-    ASSERT_NE(v1, nullptr);
-    EXPECT_EQ(WString(v1->GetText()), WString(u"wide1"));
-    EXPECT_TRUE(v1->IsLocked());
+    EXPECT_EQ(WString(v0->Child(0)->GetText()), WString(u"wide1"));
+    EXPECT_TRUE(v0->Child(0)->IsLocked());
     EXPECT_EQ(WString(Load("v2")->GetText()), WString(u"wide2")) << "the narrow text is dropped";
 }
 
@@ -156,12 +157,9 @@ TEST_F(NodeArchiveTest, DamagedReferencesLeaveATree) {
     Write(file);
     {
         BQuorvelArchive archive(path.c_str(), BArchive::READ, BString("class QvTest"), 3);
-        SP<BNode> one = archive.TakeOut("one");
-        SP<BNode> three = archive.TakeOut("three");
-        ASSERT_TRUE(one);
-        ASSERT_TRUE(three);
-        BNode* two = one->ChildNum() == 1 ? one->Child(0) : nullptr;
-        ASSERT_NE(two, nullptr);
+        SP<BNode> one = archive.TakeOut("one"), three = archive.TakeOut("three");
+        ASSERT_TRUE(one && three && one->ChildNum() == 1);
+        BNode* two = one->Child(0);
         EXPECT_EQ(two->Parent(), one.get());
         EXPECT_EQ(two->ChildNum(), 0) << "neither its ancestor nor a missing record stays";
         EXPECT_EQ(one->Parent(), nullptr);
@@ -201,40 +199,24 @@ TEST_F(NodeArchiveTest, UnreadableStringInsideARecordGivesNull) {
     EXPECT_TRUE(archive.TakeOut("good")) << "the archive goes on with other records";
 }
 
-// The associations of a node record in the file: object, children and annotations by number.
+// The associations of a node record: object, children and annotations by number.
 struct Links {
     std::uint64_t object = 0;
     std::vector<std::uint64_t> children;
     std::vector<std::uint64_t> annotations;
 };
 
-std::string LinkedNodeData(std::string const& text, Links const& links) {
-    std::string b = Le64(links.object) + Le32(static_cast<std::uint32_t>(links.children.size()));
-    for (auto c : links.children)
-        b += Le64(c);
-    b += Le32(0) + Str(text) + Le64(0) + "\1" + WStr(text) +
-         Le32(static_cast<std::uint32_t>(links.annotations.size()));
-    for (auto a : links.annotations)
-        b += Le64(a);
-    return b;
-}
-
 // A node's associations as text: its text, then the texts of a node object and of node
 // annotations, then its children in brackets.
 std::string Shape(BNode const* node) {
-    std::string out(WString(node->GetText()).AsString().View());
-    if (auto* object = dynamic_cast<BNode*>(node->GetObj()))
-        out += " o" + std::string(WString(object->GetText()).AsString().View());
+    auto text = [](BSmartObj* n) { return WString(static_cast<BNode*>(n)->GetText()).ToUtf8(); };
+    std::string out = text(const_cast<BNode*>(node));
+    if (dynamic_cast<BNode*>(node->GetObj()))
+        out += " o" + text(node->GetObj());
     for (SP<BSmartObj> const& annotation : node->Annotations())
-        out +=
-            " a" + std::string(
-                       WString(static_cast<BNode*>(annotation.get())->GetText()).AsString().View());
-    if (node->ChildNum()) {
-        out += " (";
-        for (int i = 0; i < node->ChildNum(); ++i)
-            out += (i ? ", " : "") + Shape(node->Child(i));
-        out += ")";
-    }
+        out += " a" + text(annotation.get());
+    for (int i = 0; i < node->ChildNum(); ++i)
+        out += (i ? ", " : " (") + Shape(node->Child(i)) + (i + 1 == node->ChildNum() ? ")" : "");
     return out;
 }
 
@@ -265,7 +247,9 @@ TEST_F(NodeArchiveTest, NodesHeldAsObjectsOrAnnotationsComeBackUnlessTheyCloseAC
         std::string file = NodeHeader();
         for (std::size_t i = 0; i < row.nodes.size(); ++i) {
             std::string id = std::to_string(i + 1);
-            file += NodeRecord(id, i == 0 ? "one" : "", 2, LinkedNodeData(id, row.nodes[i]));
+            file += NodeRecord(id, i == 0 ? "one" : "", 2,
+                               NodeData(id, id, 0, row.nodes[i].children, 2, 1, row.nodes[i].object,
+                                        row.nodes[i].annotations));
         }
         Write(file);
         SP<BNode> one = Load("one");
