@@ -197,44 +197,34 @@ TEST_F(ObjectArchive, HeaderChecks) {
     EXPECT_FALSE(Open(4)->IsGood()); // application version too low
     EXPECT_TRUE(Open(3)->IsGood());
     EXPECT_FALSE(Open(3, "class Other")->IsGood());
-
-    // Early writers left out "class "; the reader puts it in front of both strings.
-    Write(Header("Test", 3, "BArchive"));
-    EXPECT_TRUE(Open()->IsGood());
-    // A name without it, given to writer and reader alike, gives a file its reader refuses.
+    // A name without "class ", given to writer and reader alike, gives a file its reader refuses.
     { BQuorvelArchive out(Path().c_str(), BArchive::WRITE, "Test", 3); }
     EXPECT_FALSE(Open(3, "Test")->IsGood());
 
-    Write(Header(kName, 3, "class BArchiv"));
-    EXPECT_FALSE(Open()->IsGood());
-    for (int format : {1, 9}) {
-        Write(Header(kName, 3, "class BArchive", format));
-        EXPECT_FALSE(Open()->IsGood()) << format;
-    }
-    for (int format : {2, 8}) {
-        Write(Header(kName, 3, "class BArchive", format));
+    struct Row {
+        char const* name;
+        std::string bytes;
+        int format; // 0: refused
+    } const rows[] = {
+        // Early writers left out "class "; the reader puts it in front of both strings.
+        {"early writer", Header("Test", 3, "BArchive"), 8},
+        {"misspelt archive class", Header(kName, 3, "class BArchiv"), 0},
+        {"format 1", Header(kName, 3, "class BArchive", 1), 0},
+        {"format 9", Header(kName, 3, "class BArchive", 9), 0},
+        {"format 2", Header(kName, 3, "class BArchive", 2), 2},
+        {"cut short", Header().substr(0, 20), 0},
+    };
+    for (Row const& row : rows) {
+        Write(row.bytes);
         auto in = Open();
-        EXPECT_TRUE(in->IsGood());
-        EXPECT_EQ(in->Version(), format);
-        EXPECT_FALSE(in->TakeOut("1")); // a header alone is an empty archive
+        EXPECT_EQ(in->IsGood(), row.format != 0) << row.name;
+        if (row.format) {
+            EXPECT_EQ(in->Version(), row.format) << row.name;
+            EXPECT_FALSE(in->TakeOut("1")) << row.name << ": a header alone is an empty archive";
+        }
     }
-    Write(Header().substr(0, 20));
-    EXPECT_FALSE(Open()->IsGood());
     BQuorvelArchive missing(m_dir.U("none/x.qva").c_str(), BArchive::READ, kName, 0);
     EXPECT_FALSE(missing.IsGood());
-}
-
-TEST_F(ObjectArchive, APlaceholderSizeRefusesTheWholeFile) {
-    std::string const good = Record("1", "a", "class ArchiveItem", 3, ItemData(0, {}, 0, "a"));
-    std::string unfinished = Record("2", "b", "class ArchiveItem", 3, ItemData(0, {}, 0, "b"));
-    Write(Header() + good + good);
-    EXPECT_TRUE(Open()->IsGood());
-    unfinished.replace(unfinished.size() - ItemData(0, {}, 0, "b").size() - 8, 8, 8, '\xEA');
-    Write(Header() + good + good + unfinished);
-    EXPECT_FALSE(Open()->IsGood());
-    // A size that runs over the end of the file refuses it as well.
-    Write(Header() + good + good.substr(0, good.size() - 1));
-    EXPECT_FALSE(Open()->IsGood());
 }
 
 TEST_F(ObjectArchive, OlderFormatsReadWithTheirWidths) {
