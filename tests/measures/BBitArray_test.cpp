@@ -183,20 +183,16 @@ TEST(BitArray, StoredFormRoundTrips) {
 TEST(BitArray, ObjectArchiveFile) {
     TempDir dir;
     std::u16string const path = dir.U("mask.qva");
-    BBitArray const a = Sample();
     {
         BQuorvelArchive out(path.c_str(), BArchive::WRITE, BString("class QvTest"), 3);
-        out.Insert(new BBitArray(a), "mask");
+        out.Insert(new BBitArray(Sample()), "mask");
     }
-    std::string const bytes = ReadBytes(dir / "mask.qva");
-    EXPECT_NE(bytes.find(archive_files::Str("class BBitArray")), std::string::npos);
-    EXPECT_EQ(bytes.substr(bytes.size() - Stored(a).size()), Stored(a));
-
+    EXPECT_NE(ReadBytes(dir / "mask.qva").find(archive_files::Str("class BBitArray")),
+              std::string::npos);
     BQuorvelArchive in(path.c_str(), BArchive::READ, BString("class QvTest"), 3);
     SP<BBitArray> loaded = SP<BBitArray>(in.TakeOut("mask"));
     ASSERT_NE(loaded, nullptr);
-    EXPECT_EQ(Stored(*loaded), Stored(a));
-    EXPECT_EQ(Picture(*loaded, 9), Picture(a, 9));
+    EXPECT_EQ(Stored(*loaded), Stored(Sample()));
 }
 
 } // namespace
