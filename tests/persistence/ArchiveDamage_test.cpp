@@ -43,54 +43,8 @@ protected:
         return std::make_unique<BQuorvelArchive>(m_dir.U("d.qva").c_str(), BArchive::READ, kName,
                                                  0);
     }
-    // Everything a caller could ask of a file; the objects that come out hold no more
-    // elements than the file has references.
-    void LoadAll(std::string const& bytes) {
-        {
-            auto in = Open(bytes);
-            for (char const* key : {"tree", "1", "2", "3", "4", "5"}) {
-                SP<ArchiveItem> item(in->TakeOut(key));
-                if (item) {
-                    EXPECT_LE(std::size_t(item->m_children.Count()), bytes.size() / 4);
-                    EXPECT_LE(std::size_t(item->m_tags.Count()), bytes.size() / 4);
-                }
-            }
-        }
-        ArchiveItem::BreakCycles();
-    }
-    static std::string Tree() {
-        return Header() + Record("1", "tree", "class ArchiveItem", 3, ItemData(4, {2, 3}, 0, "r")) +
-               Record("2", "", "class ArchiveItem", 3, ItemData(4, {}, 1, "a")) +
-               Record("3", "", "class ArchiveItem", 3, ItemData(0, {2}, 1, "b")) +
-               Record("4", "", "class ArchiveTag", 0, Le32(7));
-    }
-
     TempDir m_dir;
 };
-
-TEST_F(DamagedArchive, EveryTruncationIsSafe) {
-    std::string const whole = Tree();
-    SP<ArchiveItem> root(Open(whole)->TakeOut("tree"));
-    ASSERT_TRUE(root && root->m_children.Count() == 2) << "the undamaged tree loads";
-    for (std::size_t length = 0; length < whole.size(); ++length) {
-        LoadAll(whole.substr(0, length));
-        // A header cut inside its last number still passes, as on Windows: the bytes that
-        // came are the format's low byte, and the archive is empty.
-        if (length < Header().size() - 3) {
-            EXPECT_FALSE(Open(whole.substr(0, length))->IsGood()) << length;
-        }
-    }
-}
-
-TEST_F(DamagedArchive, EveryDamagedByteIsSafe) {
-    std::string const whole = Tree();
-    for (std::size_t at = 0; at < whole.size(); ++at)
-        for (char value : {'\0', '\x7F', '\xFF'}) {
-            std::string damaged = whole;
-            damaged[at] = value;
-            LoadAll(damaged);
-        }
-}
 
 TEST_F(DamagedArchive, AHostileListCountStaysWithinTheFile) {
     std::string data = Le64(0) + Le32(0x7FFFFFFF) + Le64(1) + Le64(1);
@@ -157,6 +111,7 @@ TEST_F(DamagedArchive, FilesThatLieAboutLengthsAreRefusedWhole) {
         {"a size past the end", Header() + good + good.substr(0, good.size() - 1), false},
         {"a hostile name length", Header() + hostileName, false},
         {"a hostile header length", hostileHeader, false},
+        {"a header cut before its format", Header().substr(0, Header().size() - 4), false},
         {"a negative size", Header() + good + looping, false},
     };
     for (Row const& row : rows)
