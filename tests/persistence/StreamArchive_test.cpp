@@ -57,6 +57,16 @@ QV_REGISTER_CLASSNAME(Counted);
 [[maybe_unused]] bool const registered =
     (RegisterArchiveCallback(Counted::CLASSNAME(), &Counted::Read), true);
 
+// The error number and first argument of what a call throws.
+std::string Thrown(std::function<void()> const& call) {
+    try {
+        call();
+    } catch (BError const& e) {
+        return std::to_string(e.Error()) + " " + e.Argument(0).ToUtf8();
+    }
+    return "nothing";
+}
+
 class StreamArchiveTest : public ::testing::Test {
 protected:
     WString Path() const { return WString(path.c_str()); }
@@ -151,21 +161,10 @@ TEST_F(StreamArchiveTest, EachDirectionRefusesTheOthersWork) {
     EXPECT_EQ(in.WriteMemoryBlock(&byte, 1), 0u);
     EXPECT_EQ(out.ReadMemoryBlock(&byte, 1), 0u);
     EXPECT_FALSE(out.TakeOut("x"));
-    for (BArchive* a : {static_cast<BArchive*>(&out), static_cast<BArchive*>(&in)}) {
-        try {
-            a->ThrowError();
-            ADD_FAILURE() << "ThrowError returned";
-        } catch (BError const& e) {
-            EXPECT_EQ(e.Error(), 31182);
-            EXPECT_EQ(e.Argument(0), WString(a == &in ? u"BIStreamArchive" : u"BOStreamArchive"));
-        }
-    }
-    try {
-        in.Insert(nullptr, "x");
-        ADD_FAILURE() << "Insert on a reader returned";
-    } catch (BError const& e) {
-        EXPECT_EQ(e.Argument(0), WString(u"BIStreamArchive - invalid method"));
-    }
+    EXPECT_EQ(Thrown([&] { out.ThrowError(); }), "31182 BOStreamArchive");
+    EXPECT_EQ(Thrown([&] { in.ThrowError(); }), "31182 BIStreamArchive");
+    EXPECT_TRUE(
+        Thrown([&] { in.Insert(nullptr, "x"); }).ends_with(" BIStreamArchive - invalid method"));
 }
 
 TEST_F(StreamArchiveTest, DamagedAndForeignFiles) {
