@@ -77,14 +77,12 @@ TEST(BitArray, SingleBitsLeaveTheirNeighbours) {
     BBitArray a(16, 3, 3);
     a.SetAllBits();
     a.UnsetBit(1, 1, 10);
-    EXPECT_FALSE(a.TestBit(1, 1, 10));
     EXPECT_EQ(a.CountBits(10), 8u);
     for (int plane = 0; plane < 16; ++plane)
         EXPECT_EQ(a.TestBit(1, 1, plane), plane != 10) << plane;
     a.ChangeBit(1, 1, 10, true);
-    EXPECT_TRUE(a.TestBit(1, 1, 10));
     a.ChangeBit(0, 2, 15, false);
-    EXPECT_FALSE(a.TestBit(0, 2, 15));
+    EXPECT_EQ(Picture(a, 10) + Picture(a, 15), "###/###/###/###/###/.##/");
     a.UnsetAllBits();
     EXPECT_EQ(Stored(a).substr(12), std::string(18, '\0'));
 }
@@ -146,9 +144,7 @@ TEST(BitArray, ChangeExtent) {
     for (auto const& c : cases) {
         BBitArray a = Sample();
         a.ChangeExtent(c.x, c.y, c.width, c.height);
-        EXPECT_EQ(a.Width(), c.width) << c.name;
-        EXPECT_EQ(a.Height(), c.height) << c.name;
-        EXPECT_EQ(Picture(a, 0), c.want) << c.name;
+        EXPECT_EQ(Picture(a, 0), c.want) << c.name; // the picture shows the new extent too
     }
     BBitArray a = Sample();
     a.ChangeExtent(1, 1, 3, 3);
