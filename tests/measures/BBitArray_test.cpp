@@ -77,14 +77,12 @@ TEST(BitArray, SingleBitsLeaveTheirNeighbours) {
     BBitArray a(16, 3, 3);
     a.SetAllBits();
     a.UnsetBit(1, 1, 10);
-    EXPECT_FALSE(a.TestBit(1, 1, 10));
     EXPECT_EQ(a.CountBits(10), 8u);
     for (int plane = 0; plane < 16; ++plane)
         EXPECT_EQ(a.TestBit(1, 1, plane), plane != 10) << plane;
     a.ChangeBit(1, 1, 10, true);
-    EXPECT_TRUE(a.TestBit(1, 1, 10));
     a.ChangeBit(0, 2, 15, false);
-    EXPECT_FALSE(a.TestBit(0, 2, 15));
+    EXPECT_EQ(Picture(a, 10) + Picture(a, 15), "###/###/###/###/###/.##/");
     a.UnsetAllBits();
     EXPECT_EQ(Stored(a).substr(12), std::string(18, '\0'));
 }
@@ -146,9 +144,7 @@ TEST(BitArray, ChangeExtent) {
     for (auto const& c : cases) {
         BBitArray a = Sample();
         a.ChangeExtent(c.x, c.y, c.width, c.height);
-        EXPECT_EQ(a.Width(), c.width) << c.name;
-        EXPECT_EQ(a.Height(), c.height) << c.name;
-        EXPECT_EQ(Picture(a, 0), c.want) << c.name;
+        EXPECT_EQ(Picture(a, 0), c.want) << c.name; // the picture shows the new extent too
     }
     BBitArray a = Sample();
     a.ChangeExtent(1, 1, 3, 3);
@@ -183,20 +179,16 @@ TEST(BitArray, StoredFormRoundTrips) {
 TEST(BitArray, ObjectArchiveFile) {
     TempDir dir;
     std::u16string const path = dir.U("mask.qva");
-    BBitArray const a = Sample();
     {
         BQuorvelArchive out(path.c_str(), BArchive::WRITE, BString("class QvTest"), 3);
-        out.Insert(new BBitArray(a), "mask");
+        out.Insert(new BBitArray(Sample()), "mask");
     }
-    std::string const bytes = ReadBytes(dir / "mask.qva");
-    EXPECT_NE(bytes.find(archive_files::Str("class BBitArray")), std::string::npos);
-    EXPECT_EQ(bytes.substr(bytes.size() - Stored(a).size()), Stored(a));
-
+    EXPECT_NE(ReadBytes(dir / "mask.qva").find(archive_files::Str("class BBitArray")),
+              std::string::npos);
     BQuorvelArchive in(path.c_str(), BArchive::READ, BString("class QvTest"), 3);
     SP<BBitArray> loaded = SP<BBitArray>(in.TakeOut("mask"));
     ASSERT_NE(loaded, nullptr);
-    EXPECT_EQ(Stored(*loaded), Stored(a));
-    EXPECT_EQ(Picture(*loaded, 9), Picture(a, 9));
+    EXPECT_EQ(Stored(*loaded), Stored(Sample()));
 }
 
 } // namespace

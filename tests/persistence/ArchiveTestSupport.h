@@ -105,6 +105,18 @@ public:
     bool m_sound = true;
 };
 
+// An item's text, or "<null>" for one that did not load.
+inline std::string Text(ArchiveItem const* item) {
+    return item ? item->m_text.ToUtf8() : "<null>";
+}
+// The texts of an item's children, with blanks between.
+inline std::string Kids(ArchiveItem const& item) {
+    std::string out;
+    for (auto const& child : item.m_children)
+        out += (out.empty() ? "" : " ") + Text(child);
+    return out;
+}
+
 inline bool const archive_test_classes_registered = [] {
     ClassNameRegistry::Register(typeid(ArchiveTag), "class ArchiveTag");
     ClassNameRegistry::Register(typeid(ArchiveItem), "class ArchiveItem");

@@ -57,6 +57,16 @@ QV_REGISTER_CLASSNAME(Counted);
 [[maybe_unused]] bool const registered =
     (RegisterArchiveCallback(Counted::CLASSNAME(), &Counted::Read), true);
 
+// The error number and first argument of what a call throws.
+std::string Thrown(std::function<void()> const& call) {
+    try {
+        call();
+    } catch (BError const& e) {
+        return std::to_string(e.Error()) + " " + e.Argument(0).ToUtf8();
+    }
+    return "nothing";
+}
+
 class StreamArchiveTest : public ::testing::Test {
 protected:
     WString Path() const { return WString(path.c_str()); }
@@ -95,14 +105,11 @@ TEST_F(StreamArchiveTest, FilesAreWrittenByteForByte) {
     };
     for (Row const& row : rows) {
         Store(row.fill, row.archiveName);
-        std::string bytes = Bytes();
-        ASSERT_GE(bytes.size(), 24u) << row.name;
-        EXPECT_EQ(bytes.substr(0, 24), Le64(16) + kId) << row.name;
-        std::string header = Le64(16) + kId + WStr("BStreamArchive") + Le32(9);
         std::string name = Le32(static_cast<std::uint32_t>(std::u16string(row.archiveName).size()));
         for (char16_t u : std::u16string(row.archiveName))
             name += Le(u, 2);
-        EXPECT_EQ(bytes, header + name + row.body) << row.name;
+        EXPECT_EQ(Bytes(), Le64(16) + kId + WStr("BStreamArchive") + Le32(9) + name + row.body)
+            << row.name;
     }
 }
 
@@ -146,40 +153,18 @@ TEST_F(StreamArchiveTest, ObjectsComeBackInOrderWhateverTheName) {
     EXPECT_TRUE(in.IsGood());
 }
 
-TEST_F(StreamArchiveTest, FixedResultsOfEachDirection) {
+TEST_F(StreamArchiveTest, EachDirectionRefusesTheOthersWork) {
     Store([](BOStreamArchive&) {});
     BIStreamArchive in(Path(), u"N");
     BOStreamArchive out(WString(dir.U("out.qvs").c_str()), u"N");
     char byte = 'x';
-    BArchive* archives[] = {&out, &in};
-    for (BArchive* a : archives) {
-        bool reader = a == &in;
-        SCOPED_TRACE(reader ? "reader" : "writer");
-        EXPECT_EQ(a->Version(), 9);
-        EXPECT_EQ(a->Mode(), reader ? BArchive::READ : BArchive::WRITE);
-        EXPECT_FALSE(a->QueryObject(&byte));
-        EXPECT_EQ(a->MapPointerToIndex(&byte), 0u);
-        EXPECT_TRUE(a->VerifyObjects());
-        EXPECT_FALSE(a->Force64bitFormat());
-        EXPECT_EQ(a->ReadMemoryBlock(&byte, 0), 0u);
-        EXPECT_EQ(a->WriteMemoryBlock(&byte, 0), 0u);
-        EXPECT_EQ((reader ? a->WriteMemoryBlock(&byte, 1) : a->ReadMemoryBlock(&byte, 1)), 0u);
-        try {
-            a->ThrowError();
-            ADD_FAILURE() << "ThrowError returned";
-        } catch (BError const& e) {
-            EXPECT_EQ(e.Error(), 31182);
-            EXPECT_EQ(e.Argument(0), WString(reader ? u"BIStreamArchive" : u"BOStreamArchive"));
-        }
-    }
+    EXPECT_EQ(in.WriteMemoryBlock(&byte, 1), 0u);
+    EXPECT_EQ(out.ReadMemoryBlock(&byte, 1), 0u);
     EXPECT_FALSE(out.TakeOut("x"));
-    try {
-        in.Insert(nullptr, "x");
-        ADD_FAILURE() << "Insert on a reader returned";
-    } catch (BError const& e) {
-        EXPECT_EQ(e.Argument(0), WString(u"BIStreamArchive - invalid method"));
-    }
-    EXPECT_EQ(in.Path(), Path());
+    EXPECT_EQ(Thrown([&] { out.ThrowError(); }), "31182 BOStreamArchive");
+    EXPECT_EQ(Thrown([&] { in.ThrowError(); }), "31182 BIStreamArchive");
+    EXPECT_TRUE(
+        Thrown([&] { in.Insert(nullptr, "x"); }).ends_with(" BIStreamArchive - invalid method"));
 }
 
 TEST_F(StreamArchiveTest, DamagedAndForeignFiles) {
@@ -255,11 +240,9 @@ TEST_F(StreamArchiveTest, DamagedObjects) {
         }
         SP<BNode> node;
         EXPECT_NO_THROW(node = in.TakeOut("")) << row.name;
-        EXPECT_EQ(node != nullptr, row.outcome == kNode) << row.name;
-        EXPECT_EQ(in.IsGood(), true) << row.name;
-        if (node) {
-            EXPECT_EQ(node->ChildNum(), row.children) << row.name;
-        }
+        EXPECT_EQ(node ? node->ChildNum() : -1, row.outcome == kNode ? row.children : -1)
+            << row.name;
+        EXPECT_TRUE(in.IsGood()) << row.name;
     }
 }
 

@@ -54,17 +54,16 @@ TEST_F(ConfigRegistry, TypedValuesTravelAsText) {
     EXPECT_EQ(config.WriteDouble(u"d", 1.0 / 3.0), 0);
     EXPECT_EQ(config.WriteBool(u"b", true), 0);
     EXPECT_EQ(config.WriteInt(u"i", -42), 0);
-    WString text;
-    config.ReadString(u"f", text);
-    EXPECT_EQ(text, WString(u"0.33333334"));
-    config.ReadString(u"d", text);
-    EXPECT_EQ(text, WString(u"0.3333333333333333"));
-    config.ReadString(u"b", text);
-    EXPECT_EQ(text, WString(u"True"));
+    for (auto [key, expected] :
+         {std::pair{u"f", u"0.33333334"}, std::pair{u"d", u"0.3333333333333333"},
+          std::pair{u"b", u"True"}}) {
+        WString text;
+        EXPECT_EQ(config.ReadString(key, text), 0);
+        EXPECT_EQ(text, WString(expected)) << text.ToUtf8();
+    }
     int number = 0;
     EXPECT_EQ(config.ReadInt(u"i", number), 0);
     EXPECT_EQ(number, -42);
-
     struct Row {
         char16_t const* text;
         int result;

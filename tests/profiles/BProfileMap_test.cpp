@@ -64,16 +64,12 @@ TEST(BProfileMap, LoadLineRules) {
     }
 }
 
-TEST(BProfileMap, SecondLoadStartsInTheSectionTheFirstEndedOn) {
+TEST(BProfileMap, ASecondLoadStartsWhereTheFirstEndedAndEmptyValuesAreMissingForRead) {
     BProfileMap map;
     EXPECT_EQ(map.GetSection().ToUtf8(), "default");
     map.Load(u"[One]\na=1");
     map.Load(u"b=2");
     EXPECT_EQ(Dump(map), "One:b=2;");
-}
-
-TEST(BProfileMap, EmptyValueIsFoundByGetStringButMissingForRead) {
-    BProfileMap map;
     map.Load(u"Title=");
     EXPECT_TRUE(map.GetString(u"Title", u"d").IsEmpty());
     EXPECT_EQ(map.GetString(u"Other", u"d").ToUtf8(), "d");

@@ -44,12 +44,11 @@ TEST(IniProfileProcesses, TwoWritersLoseNoKey) {
     int status = 0;
     ASSERT_EQ(::waitpid(child, &status, 0), child);
     ASSERT_TRUE(WIFEXITED(status));
-    for (int i = 0; i < kKeys; ++i) {
-        EXPECT_EQ(GetPrivateProfileIntW(u"S", Key('c', i).c_str(), -1, path.c_str()),
-                  static_cast<std::uint32_t>(i));
-        EXPECT_EQ(GetPrivateProfileIntW(u"S", Key('p', i).c_str(), -1, path.c_str()),
-                  static_cast<std::uint32_t>(i));
-    }
+    for (int i = 0; i < kKeys; ++i)
+        for (char prefix : {'c', 'p'})
+            EXPECT_EQ(GetPrivateProfileIntW(u"S", Key(prefix, i).c_str(), -1, path.c_str()),
+                      static_cast<std::uint32_t>(i))
+                << prefix << i;
 }
 
 TEST(IniProfileProcesses, AKilledWriterLeavesAWholeFile) {
