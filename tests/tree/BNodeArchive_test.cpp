@@ -270,7 +270,7 @@ TEST_F(NodeArchiveTest, LoadedTreeIsEditedLikeABuiltOne) {
     for (int i = 0; i < 3; ++i)
         root->QueryChild(u"x")->SetText(u"leaf");
     root->Child(1)->AddAttrib(new Tag(u"t"));
-    root->Child(2)->AddAnnotation(new Payload);
+    root->Child(2)->AddAnnotation(new ArchiveTag(7));
     Store(root);
 
     struct Row {
@@ -360,7 +360,7 @@ TEST_F(NodeArchiveTest, LoadedBranchOutlivesItsTree) {
     // Loaded nodes share memory blocks: a branch held after its tree is gone keeps what it
     // stands on, and loads after it take no memory that a living node still uses.
     SP<BNode> root = new BNode;
-    root->QueryChild(u"a/b")->AddAnnotation(new Payload);
+    root->QueryChild(u"a/b")->AddAnnotation(new ArchiveTag(7));
     root->QueryChild(u"c");
     Store(root);
     SP<BNode> kept = Load("tree")->Child(u"a");
