@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <qv/core/Export.h>
 
 namespace qv::platform {
 
@@ -11,7 +10,7 @@ namespace qv::platform {
 // decomposition (after case folding for the case-blind form), and that form is what is hashed.
 // Texts that hash alike may still differ, so a table keyed this way compares with the function
 // itself. A null pointer hashes as "".
-QV_EXPORT std::uint64_t HashForCmpW(char16_t const* s);
-QV_EXPORT std::uint64_t HashForCmpIW(char16_t const* s);
+std::uint64_t HashForCmpW(char16_t const* s);
+std::uint64_t HashForCmpIW(char16_t const* s);
 
 } // namespace qv::platform
