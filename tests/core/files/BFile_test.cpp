@@ -5,6 +5,8 @@
 #include <qv/core/files/BFile.h>
 #include <qv/platform/WideStream.h>
 #include <string>
+#include <utility>
+#include <vector>
 
 using namespace std::string_literals;
 namespace fs = std::filesystem;
@@ -59,18 +61,10 @@ TEST(BFile, ExistAndKind) {
 
 TEST(BFile, IsUnicodeReadsTheByteOrderMark) {
     TempDir dir;
-    struct Case {
-        char const* bytes;
-        std::size_t size;
-        bool unicode;
-    };
-    Case const cases[] = {{"\xFF", 1, false},
-                          {"\xFE\xFF", 2, true},
-                          {"\xEF\xBB\xBF", 3, true},
-                          {"\xEF\xBB", 2, false}};
-    for (Case const& c : cases) {
-        WriteBytes(dir / "f", std::string(c.bytes, c.size));
-        EXPECT_EQ(BFile::IsUnicode(dir.U("f").c_str()), c.unicode) << c.size;
+    for (auto const& [bytes, unicode] : std::vector<std::pair<std::string, bool>>{
+             {"\xFF", false}, {"\xFE\xFF", true}, {"\xEF\xBB\xBF", true}, {"\xEF\xBB", false}}) {
+        WriteBytes(dir / "f", bytes);
+        EXPECT_EQ(BFile::IsUnicode(dir.U("f").c_str()), unicode) << bytes.size();
     }
 }
 
