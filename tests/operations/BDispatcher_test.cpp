@@ -25,7 +25,6 @@ TEST_F(BDispatcherTest, WithoutADispatcherMessagesVanish) {
     EXPECT_EQ(BDispatcher::Instance(), nullptr);
     EXPECT_EQ(BDispatcher::DispatcherThreadId(), 0xFFFFFFFFul);
     EXPECT_FALSE(QVCurrentThreadIsDispatcherThread());
-    EXPECT_FALSE(OtherThreadIsDispatcherThread());
     EXPECT_FALSE(BDispatcher::DispatcherPost(1, 2, 3));
     EXPECT_FALSE(BDispatcher::DispatcherSend(1, 2, 3));
     QVPost(MSG_MEMORY_CHANGED, 0, 0);

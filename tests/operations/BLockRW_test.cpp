@@ -6,41 +6,55 @@
 #include <qv/operations/BAutoTryLockW.h>
 #include <qv/operations/BLockRW.h>
 #include <qv/operations/BSyncableSmartObj.h>
+#include <sstream>
+#include <string>
 
 // Lock states seen from one thread. Whether another thread could enter is checked with the
 // guards of a second thread in the concurrent suite; here the state machine's answers.
 
-TEST(BLockRW, WriteOwnerNestsReadsAndWritesToAnyDepth) {
-    BLockRW lock;
-    lock.LockW();
-    lock.LockR();
-    lock.LockW();
-    EXPECT_TRUE(lock.TryLockR());
-    lock.LockR();
-    lock.UnlockR();
-    lock.UnlockR();
-    lock.UnlockW();
-    lock.UnlockR();
-    lock.UnlockW();
-    // Free again: a reader's round trip and a new write both work.
-    lock.LockR();
-    lock.UnlockR();
-    EXPECT_TRUE(lock.TryLockW());
-    lock.UnlockW();
+namespace {
+// Plays a script on the lock: R and W lock, -R and -W unlock, R? and W? try and note the
+// answer as 1 or 0, undoing a successful try at once for a write and keeping it for a read.
+std::string Play(BSyncableInterface const& lock, char const* script) {
+    std::istringstream steps(script);
+    std::string answers;
+    for (std::string step; steps >> step;) {
+        bool const read = step.find('R') != std::string::npos;
+        if (step.back() == '?') {
+            bool const got = read ? lock.TryLockR() : lock.TryLockW();
+            answers += got ? '1' : '0';
+            if (got && !read)
+                lock.UnlockW();
+        } else if (step[0] == '-') {
+            read ? lock.UnlockR() : lock.UnlockW();
+        } else {
+            read ? lock.LockR() : lock.LockW();
+        }
+    }
+    return answers;
 }
+} // namespace
 
-TEST(BLockRW, TryLockReadsOnlyForTheWriteOwner) {
-    BLockRW lock;
-    EXPECT_FALSE(lock.TryLockR()) << "a free lock gives no read lock to a try";
-    lock.LockR();
-    EXPECT_FALSE(lock.TryLockR()) << "nor does a lock held for reading";
-    lock.UnlockR();
-    lock.LockW();
-    EXPECT_TRUE(lock.TryLockR());
-    lock.UnlockR();
-    lock.UnlockW();
-    EXPECT_TRUE(lock.TryLockW());
-    lock.UnlockW();
+TEST(BLockRW, StateMachineScripts) {
+    struct Row {
+        char const* name;
+        bool mutex; // BSyncableSmartObj, else BLockRW
+        char const* script;
+        char const* answers;
+    } const rows[] = {
+        {"the write owner nests reads and writes to any depth, then it is free", false,
+         "W R W R? R -R -R -W -R -W R -R W?", "11"},
+        {"only the write owner gets a read from a try", false, "R? R R? -R W R? -R -W W?", "0011"},
+        {"UnlockW without the write side changes nothing", false, "-W R -R W?", "1"},
+        {"one recursive lock for readers and writers", true, "R W R? W? -R -W -R", "11"},
+    };
+    for (Row const& row : rows) {
+        BLockRW lock;
+        BSyncableSmartObj mutex;
+        BSyncableInterface const& played =
+            row.mutex ? static_cast<BSyncableInterface&>(mutex) : lock;
+        EXPECT_EQ(Play(played, row.script), row.answers) << row.name;
+    }
 }
 
 TEST(BLockRW, TryLockWriteGivesUpAfterAboutAMillisecondWithAReaderInside) {
@@ -52,8 +66,6 @@ TEST(BLockRW, TryLockWriteGivesUpAfterAboutAMillisecondWithAReaderInside) {
     EXPECT_GE(waited, std::chrono::microseconds(900));
     EXPECT_LT(waited, std::chrono::milliseconds(500));
     lock.UnlockR();
-    EXPECT_TRUE(lock.TryLockW());
-    lock.UnlockW();
 }
 
 TEST(BLockRW, LastUnlockWriteWithOwnReadsOutstandingThrowsOne) {
@@ -70,15 +82,6 @@ TEST(BLockRW, LastUnlockWriteWithOwnReadsOutstandingThrowsOne) {
     EXPECT_TRUE(lock.TryLockR());
 }
 
-TEST(BLockRW, UnlockWriteByAThreadWithoutTheWriteSideChangesNothing) {
-    BLockRW lock;
-    lock.UnlockW();
-    lock.LockR();
-    lock.UnlockR();
-    EXPECT_TRUE(lock.TryLockW());
-    lock.UnlockW();
-}
-
 TEST(BLockGuards, HoldAndReleaseThroughTheInterface) {
     BLockRW lock;
     {
@@ -90,33 +93,10 @@ TEST(BLockGuards, HoldAndReleaseThroughTheInterface) {
         EXPECT_FALSE(tryWrite.IsLocked());
     }
     // Everything given back, in the right order (a read left over would have thrown).
-    BAutoTryLockW again(lock);
-    EXPECT_TRUE(again.IsLocked());
-}
-
-TEST(BLockGuards, AFailedTryReleasesNothing) {
-    BLockRW lock;
+    EXPECT_EQ(Play(lock, "W?"), "1");
+    // A failed try releases nothing: had the guard released, the write below would succeed
+    // while a reader is still inside.
     lock.LockR();
-    {
-        BAutoTryLockR tryRead(lock);
-        EXPECT_FALSE(tryRead.IsLocked());
-    }
-    // Had the guard released, this UnlockR would take the count below zero and the try
-    // below would succeed while a reader is still inside.
-    EXPECT_FALSE(lock.TryLockW());
-    lock.UnlockR();
-    EXPECT_TRUE(lock.TryLockW());
-    lock.UnlockW();
-}
-
-TEST(BSyncableSmartObj, OneRecursiveLockForReadersAndWriters) {
-    BSyncableSmartObj object;
-    object.LockR();
-    object.LockW();
-    EXPECT_TRUE(object.TryLockR());
-    EXPECT_TRUE(object.TryLockW());
-    object.UnlockW();
-    object.UnlockR();
-    object.UnlockW();
-    object.UnlockR();
+    EXPECT_FALSE(BAutoTryLockR(lock).IsLocked());
+    EXPECT_EQ(Play(lock, "W? -R W?"), "01");
 }

@@ -18,19 +18,6 @@ using namespace thread_test;
 namespace {
 constexpr int kBoundMs = 10000;
 
-// Work that runs until its gate opens, asking on the way whether it is cancelled.
-class Gated : public IFunctor {
-public:
-    void Execute() override {
-        while (!gate) {
-            IFunctor::CheckCancel();
-            std::this_thread::sleep_for(1ms);
-        }
-    }
-    WString Description() const override { return WString(u"gated"); }
-    std::atomic<bool> gate{false};
-};
-
 class Nothing : public IFunctor {
 public:
     void Execute() override {}
@@ -75,24 +62,6 @@ bool Eventually(F condition) {
     return true;
 }
 } // namespace
-
-TEST(FuturesConcurrent, WaitForAnyGivesTheFirstToFinish) {
-    SP<ThreadPoolScheduler> scheduler = new ThreadPoolScheduler(3);
-    std::vector<SP<Gated>> work = {new Gated, new Gated, new Gated};
-    BArray<SP<IFuture>> futures;
-    for (auto const& functor : work)
-        futures.Add(scheduler->Schedule(functor));
-    EXPECT_EQ(IFuture::WaitForAny(futures, 30, nullptr), Async::Timeout);
-    work[1]->gate = true;
-    EXPECT_EQ(IFuture::WaitForAny(futures, kBoundMs, nullptr), Async::Finished);
-    EXPECT_EQ(futures[1]->Wait(0), Async::Finished);
-    EXPECT_FALSE(Async::IsOver(futures[0]->Wait(0)));
-    EXPECT_FALSE(Async::IsOver(futures[2]->Wait(0)));
-    futures[0]->Cancel();
-    work[2]->gate = true;
-    EXPECT_EQ(IFuture::WaitForAll(futures, kBoundMs, nullptr), Async::Cancelled)
-        << "the worst outcome of all";
-}
 
 // Waiters block in Wait while the pool finishes the work: each must wake as its future ends.
 TEST(FuturesConcurrent, WaitersWakeForEveryFinishedFuture) {

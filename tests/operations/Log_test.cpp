@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 #include <optional>
 #include <qv/operations/Log.h>
-#include <qv/operations/LogItem.h>
 #include <string>
 #include <vector>
 
@@ -87,18 +86,4 @@ TEST_F(LogTest, ASinkThatThrowsLeavesTheFrontEndUsable) {
     Qv::RegisterLoggerInterface(&sink);
     EXPECT_THROW(Qv::Log(ELog::Error, u"", u"x"), int);
     EXPECT_TRUE(Qv::UnregisterLoggerInterface(&sink)) << "the mutex was given back";
-}
-
-// A move takes the texts and leaves the source's empty, but copies the value.
-TEST(LogItem, MovesTakeTheTextsAndCopyTheValue) {
-    Qv::LogItem item;
-    item.m_texts[WString(u"k")] = WString(u"v");
-    item.m_value = 42;
-    Qv::LogItem moved(std::move(item));
-    EXPECT_EQ(moved.m_texts.at(WString(u"k")), WString(u"v"));
-    EXPECT_TRUE(item.m_texts.empty());
-    EXPECT_EQ(item.m_value, 42);
-    item = std::move(moved);
-    EXPECT_TRUE(moved.m_texts.empty());
-    EXPECT_EQ(item.m_texts.size(), 1u);
 }
