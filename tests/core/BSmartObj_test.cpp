@@ -94,8 +94,8 @@ TEST(SP, CheckedConversionTakesItsOwnReference) {
 TEST(BSmartObj, NamesIdsAndValidity) {
     SP<BSmartObj> p = new Derived, both = new Both;
     Unregistered loose;
-    EXPECT_EQ(std::string(p->ClassName()) + "|" + p->ArchiveName() + "|" + both->ClassName() +
-                  "|" + loose.ClassName(),
+    EXPECT_EQ(std::string(p->ClassName()) + "|" + p->ArchiveName() + "|" + both->ClassName() + "|" +
+                  loose.ClassName(),
               "class Derived|class Derived|class Both|class (anonymous namespace)::Unregistered")
         << "an unregistered class still gets the stored form";
     EXPECT_EQ(std::string(BSmartObj::Id(~0ull).CStr()), "ffffffffffffffff");

@@ -57,8 +57,8 @@ TEST(BArray, RemovingAndAssigningReleaseTheFreedSlots) {
     std::vector<BSmartObj*> const added = Slots(a, 6);
     a.RemoveAt(1, 2);
     a.RemoveAt(5, 1); // past the end: nothing
-    EXPECT_EQ(Slots(a, 6), (std::vector<BSmartObj*>{added[0], added[3], added[4], added[5],
-                                                    nullptr, nullptr}));
+    EXPECT_EQ(Slots(a, 6),
+              (std::vector<BSmartObj*>{added[0], added[3], added[4], added[5], nullptr, nullptr}));
     EXPECT_EQ(Probe::live, 4);
     a.RemoveAt(2, 100);
     EXPECT_EQ(Probe::live, 2);
