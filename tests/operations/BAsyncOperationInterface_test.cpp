@@ -15,10 +15,6 @@ using namespace operations_test;
 TEST(BAsyncOperationInterface, AWholeRun) {
     Session session;
     SP<BAsyncOperationInterface> operation = new BAsyncOperationInterface;
-    EXPECT_FALSE(operation->IsStopping());
-    EXPECT_EQ(operation->GetError().Error(), 0);
-    EXPECT_EQ(operation->GetMessageSink(), nullptr);
-
     std::thread([&] {
         operation->StatusInfo(WString(u"$STATUS_SCANNING"));
         operation->StatusInfo(WString());
