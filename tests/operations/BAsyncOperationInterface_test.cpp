@@ -62,8 +62,12 @@ TEST(BAsyncOperationInterface, ReportsTakeTheirRoute) {
         std::vector<Message> atWindow, atDispatcher; // a first parameter 1 is the operation
     } const rows[] = {
         {"status to the window", true, false, kStatus, {{true, MSG_SINK_STATUS, 1, 0}}, {}},
-        {"100 % to the window", true, false, 100, {{true, MSG_SINK_PROGRESS, 99, 0}}, {}},
-        {"150 % to the window", true, true, 150, {{true, MSG_SINK_PROGRESS, 99, 0}}, {}},
+        {"100 % to the window, also on its thread",
+         true,
+         true,
+         100,
+         {{true, MSG_SINK_PROGRESS, 99, 0}},
+         {}},
         {"error never to the window", true, false, kError, {}, {{true, MSG_ASYNC_ERROR, 1, 0}}},
         {"status sent on its thread", false, true, kStatus, {}, {{false, MSG_ASYNC_STATUS, 1, 1}}},
         {"progress posted, no cap", false, false, 150, {}, {{true, MSG_ASYNC_PROGRESS, 1, 150}}},

@@ -43,14 +43,12 @@ TEST_F(LogTest, HandsFormattedTextToTheSink) {
     Qv::RegisterLoggerInterface(&sink);
     std::u16string const longest(4095, u'x');
     Qv::Log(u"scanner", ELog::Warning, u"calibration", u"%s: %d of %S", u"cameras", 2, "3");
-    Qv::Log(ELog::Debug, u"ctx", u"plain");
     Qv::Log(ELog::Info, u"ctx", nullptr);
     Qv::Log(ELog::Info, u"", u"%s", longest.c_str());
     Qv::Log(ELog::Info, u"", u"%sy", longest.c_str());
     Qv::Log(ELog::Info, u"", u"%y");
     EXPECT_EQ(sink.entries, (std::vector<Entry>{
                                 {u"scanner", ELog::Warning, u"calibration", u"cameras: 2 of 3"},
-                                {std::nullopt, ELog::Debug, u"ctx", u"plain"},
                                 {std::nullopt, ELog::Info, u"ctx", u""},
                                 {std::nullopt, ELog::Info, u"", longest},
                                 {std::nullopt, ELog::Info, u"", u""},
