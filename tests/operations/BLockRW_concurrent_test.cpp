@@ -125,14 +125,15 @@ TEST(BLockRWConcurrent, ManyLocksReadAtOnceByOneThread) {
     }
     auto writable = [&] {
         std::string seen;
-        Start([&] {
+        auto check = Start([&] {
             for (auto& lock : locks) {
                 bool const written = lock->TryLockW();
                 seen += written ? 'w' : '-';
                 if (written)
                     lock->UnlockW();
             }
-        }).get();
+        });
+        EXPECT_TRUE(Finishes(check));
         return seen;
     };
     EXPECT_EQ(writable(), std::string(300, '-'));
