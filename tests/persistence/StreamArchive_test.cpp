@@ -85,32 +85,23 @@ protected:
 } // namespace
 
 TEST_F(StreamArchiveTest, FilesAreWrittenByteForByte) {
+    // The archive name in 16-bit units, a null, a named object, a node tree in place.
     SP<BNode> root = new BNode;
     root->SetText(u"r");
     root->QueryChild(u"a");
     SP<Counted> counted = new Counted;
     counted->value = 7;
-    struct Row {
-        char const* name;
-        char16_t const* archiveName;
-        std::function<void(BOStreamArchive&)> fill;
-        std::string body;
-    } const rows[] = {
-        {"empty archive", u"", [](BOStreamArchive&) {}, ""},
-        {"null object", u"N", [](BOStreamArchive& a) { a.Insert(nullptr, "x"); }, Le64(0)},
-        {"named object", u"Scan \u00fc", [&](BOStreamArchive& a) { a.Insert(counted, "one"); },
-         StreamObject("one", "class Counted", 0, Le32(7))},
-        {"node tree in place", u"N", [&](BOStreamArchive& a) { a.Insert(root, nullptr); },
-         StreamNode("r", {StreamNode("a")})},
-    };
-    for (Row const& row : rows) {
-        Store(row.fill, row.archiveName);
-        std::string name = Le32(static_cast<std::uint32_t>(std::u16string(row.archiveName).size()));
-        for (char16_t u : std::u16string(row.archiveName))
-            name += Le(u, 2);
-        EXPECT_EQ(Bytes(), Le64(16) + kId + WStr("BStreamArchive") + Le32(9) + name + row.body)
-            << row.name;
-    }
+    Store(
+        [&](BOStreamArchive& a) {
+            a.Insert(nullptr, "x");
+            a.Insert(counted, "one");
+            a.Insert(root, nullptr);
+        },
+        u"Scan \u00fc");
+    EXPECT_EQ(Bytes(), Le64(16) + kId + WStr("BStreamArchive") + Le32(9) + Le32(6) +
+                           WStr("Scan ").substr(4) + Le(0xFC, 2) + Le64(0) +
+                           StreamObject("one", "class Counted", 0, Le32(7)) +
+                           StreamNode("r", {StreamNode("a")}));
 }
 
 TEST_F(StreamArchiveTest, ObjectsComeBackInOrderWhateverTheName) {
@@ -135,10 +126,8 @@ TEST_F(StreamArchiveTest, ObjectsComeBackInOrderWhateverTheName) {
     ASSERT_TRUE(tree);
     EXPECT_EQ(WString(tree->GetText()), WString(u"root"));
     ASSERT_EQ(tree->ChildNum(), 2);
-    BNode* a = tree->Child(0);
-    BNode* c = tree->Child(1);
-    ASSERT_EQ(a->ChildNum(), 1);
-    BNode* b = a->Child(0);
+    BNode *a = tree->Child(0), *c = tree->Child(1), *b = a->Child(0);
+    ASSERT_TRUE(b);
     EXPECT_FALSE(a->IsActive());
     EXPECT_TRUE(c->IsLocked());
     for (BNode* node : {tree.get(), a, b, c})
@@ -177,14 +166,9 @@ TEST_F(StreamArchiveTest, DamagedAndForeignFiles) {
     } const rows[] = {
         {"good header", good, kGood},
         {"empty file", "", kThrows},
-        {"short first number", Le32(16), kThrows},
         {"other first number", Le64(17) + good.substr(8), kThrows},
         {"wrong identifier", Le64(16) + std::string(16, '\0') + good.substr(24), kNotGood},
-        {"short identifier", Le64(16) + kId.substr(0, 5), kNotGood},
-        {"wrong format name", Le64(16) + kId + WStr("BStreamArchivf") + Le32(9) + WStr("N"),
-         kNotGood},
         {"older version", Le64(16) + kId + WStr("BStreamArchive") + Le32(8) + WStr("N"), kNotGood},
-        {"other archive name", StreamHeader("M"), kNotGood},
         {"name in other case", StreamHeader("n"), kNotGood},
     };
     for (Row const& row : rows) {
@@ -217,10 +201,7 @@ TEST_F(StreamArchiveTest, DamagedObjects) {
     } const rows[] = {
         {"unknown class", StreamObject("", "class Nobody", 0, ""), kThrows},
         {"class without its prefix word", StreamObject("", "BNode", 2, ""), kThrows},
-        {"prefix not a string", Le64(1) + "X", kNull},
         {"prefix cut short", Le64(1) + Str("0") + Str(""), kNull},
-        {"flag cut short", Le32(1), kNull},
-        {"node cut before its text", StreamNode("abc").substr(0, 63), kNull},
         {"child count beyond the file",
          StreamObject("", "class BNode", 2, Le64(0) + Le32(0x7FFFFFFF)) + StreamNode("a"), kNull},
         {"null children are dropped",
@@ -267,12 +248,10 @@ TEST_F(StreamArchiveTest, EveryReferenceFormOfAStorableClass) {
 
     BIStreamArchive in(Path(), u"N");
     SP<ArchiveItem> back = in.TakeOut("");
-    ASSERT_TRUE(back);
-    ASSERT_TRUE(back->m_object);
+    ASSERT_TRUE(back && back->m_object);
     EXPECT_EQ(SP<ArchiveTag>(back->m_object)->m_value, 9) << "an object with a virtual base";
-    ASSERT_EQ(back->m_children.Count(), 1);
+    ASSERT_EQ(Kids(*back), "kid");
     ArchiveItem* k = back->m_children[0];
-    EXPECT_EQ(k->m_text, WString(u"kid"));
     EXPECT_EQ(k->m_value, 3) << "the plain parent reference took its 8 bytes";
     EXPECT_EQ(k->m_parent, nullptr);
     ASSERT_EQ(k->m_tags.Count(), 2);
