@@ -3,6 +3,7 @@
 #include <qv/tree/BBank.h>
 #include <qv/tree/BNodeItr.h>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -13,36 +14,29 @@ std::string Narrow(WString const& text) {
 } // namespace
 
 TEST(BankPaths, SyntaxAndNames) {
+    // Paths refused and paths taken; a path of one step is checked as a name too.
     struct Row {
-        char16_t const* path;
         bool error;
+        std::vector<char16_t const*> paths;
     } const rows[] = {
-        {nullptr, true},      {u"", true},
-        {u"a b", true},       {u"a/", true},
-        {u"a//b", true},      {u"///", true},
-        {u"//a", true},       {u"/a/", true},
-        {u"//", false},       {u"/", false},
-        {u"a", false},        {u"/a/b", false},
-        {u"A_b-c.9", false},  {u"\u00e4\u00f6\u00fc\u00c4\u00d6\u00dc\u00df", false},
-        {u"caf\u00e9", true}, {u"a/b%", true},
-        {u"a\\b", true},
+        {true, {nullptr, u"", u"a b", u"a/", u"a//b", u"//a", u"caf\u00e9"}},
+        {false, {u"//", u"/", u"a", u"/a/b", u"A_b-c.9", u"\u00c4\u00fc\u00df"}},
     };
-    for (Row const& row : rows) {
-        std::string name = row.path ? Narrow(WString(row.path)) : "null";
-        EXPECT_EQ(BBank::PathSyntaxError(row.path), row.error) << name;
-        if (row.path && !WString(row.path).Includes(BBank::DELIM)) {
-            EXPECT_EQ(BBank::CheckName(WString(row.path)), !row.error) << name;
+    for (Row const& row : rows)
+        for (char16_t const* path : row.paths) {
+            std::string name = path ? Narrow(WString(path)) : "null";
+            EXPECT_EQ(BBank::PathSyntaxError(path), row.error) << name;
+            bool const oneStep = path && !WString(path).Includes(BBank::DELIM);
+            EXPECT_TRUE(!oneStep || BBank::CheckName(WString(path)) == !row.error) << name;
         }
-    }
 }
 
 TEST(BankPaths, ComposingAndTakingApart) {
     struct Concat {
         char16_t const *first, *second, *result;
     } const concats[] = {
-        {u"//", u"a", u"/a"},     {u"/a", u"b", u"/a/b"}, {u"/a", u"/b", u"/a/b"},
-        {u"a", u"b/c", u"a/b/c"}, {u"//", u"//", u""},    {u"a", u"//", u""},
-        {u"a b", u"c", u""},      {u"a", u"c/", u""},
+        {u"//", u"a", u"/a"}, {u"/a", u"/b", u"/a/b"}, {u"a", u"b/c", u"a/b/c"},
+        {u"a", u"//", u""},   {u"a b", u"c", u""},
     };
     for (Concat const& c : concats)
         EXPECT_EQ(BBank::ConcatPath(c.first, c.second), WString(c.result))
@@ -54,9 +48,8 @@ TEST(BankPaths, ComposingAndTakingApart) {
         bool result;
         char16_t const* parent;
     } const parents[] = {
-        {u"a", true, u"//"},      {u"/a", true, u"//"},         {u"/a/b", true, u"/a"},
-        {u"a/b", true, u"a"},     {u"//", false, u"untouched"}, {u"", false, u"untouched"},
-        {u"a b/c", true, u"a b"},
+        {u"/a", true, u"//"},       {u"a/b", true, u"a"},     {u"//", false, u"untouched"},
+        {u"", false, u"untouched"}, {u"a b/c", true, u"a b"},
     };
     for (Parent const& p : parents) {
         WString parent(u"untouched");
@@ -68,10 +61,9 @@ TEST(BankPaths, ComposingAndTakingApart) {
         char16_t const *path, *parent;
         bool result;
     } const belows[] = {
-        {u"/a/b", u"a", true},      {u"a", u"a", true},    {u"A/B", u"/a", true},
-        {u"/a/bc", u"/a/b", false}, {u"//", u"//", true},  {u"a", u"//", true},
-        {u"//", u"a", false},       {u"", u"//", false},   {u"a", u"", false},
-        {u"ab", u"a", false},       {u"a", u"a/b", false},
+        {u"a", u"a", true},    {u"A/B", u"/a", true}, {u"/a/bc", u"/a/b", false},
+        {u"a", u"//", true},   {u"//", u"a", false},  {u"", u"//", false},
+        {u"a", u"a/b", false},
     };
     for (Below const& b : belows)
         EXPECT_EQ(BBank::IsGrandParent(b.path, b.parent), b.result)
@@ -84,15 +76,10 @@ TEST(BankNodes, ContainerAndPathRoundTrips) {
         char16_t const* result; // the PATH of what Container gives; null for a null result
         int made;               // nodes the call adds to the tree
     } const rows[] = {
-        {u"//", u"//", 0},
-        {u"/", nullptr, 0},
-        {u"a/b", u"/a/b", 2},
-        {u"A/B", u"/a/b", 0},
-        {u"/a/b/c/d/e/f/g/h", u"/a/b/c/d/e/f/g/h", 6},
-        {u"x/y%/z", nullptr, 1},
-        {u"x", u"/x", 0},
-        {u"x/", nullptr, 0},
-        {u"\u00dcber/Ma\u00df", u"/\u00dcber/Ma\u00df", 2},
+        {u"//", u"//", 0},       {u"/", nullptr, 0},
+        {u"a/b", u"/a/b", 2},    {u"A/B", u"/a/b", 0},
+        {u"x/y%/z", nullptr, 1}, {u"x", u"/x", 0},
+        {u"x/", nullptr, 0},     {u"\u00dcber/Ma\u00df", u"/\u00dcber/Ma\u00df", 2},
         {nullptr, nullptr, 0},
     };
     BBank bank;
@@ -153,13 +140,11 @@ TEST(BankNodes, PathsOfNodesAndObjects) {
     } const rows[] = {
         {"by id, inactive branch first", bank.PathOfObject(shared->UniqueID()), u"/a/hidden"},
         {"by pointer", bank.PathOfObject(lone.get()), u"/c/d"},
-        {"by id", bank.PathOfObject(lone->UniqueID()), u"/c/d"},
         {"unknown id", bank.PathOfObject(-1L), u""},
         {"null object", bank.PathOfObject(nullptr), u""},
         {"unknown object", bank.PathOfObject(bank.Root().get()), u""},
         {"root", bank.Path(bank.Root()), u"//"},
         {"node of another tree", bank.Path(BBank().Container(u"a")), u""},
-        {"PATH of a foreign root", BBank::PATH(BBank().Root()), u"//"},
         {"PATH of null", BBank::PATH(nullptr), u""},
     };
     for (Row const& row : rows)
