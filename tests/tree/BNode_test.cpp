@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 #include <qv/operations/MessageNumbers.h>
 #include <qv/tree/BNode.h>
-#include <qv/tree/BNodeAttribItr.h>
 #include <qv/tree/BNodeChildItr.h>
 #include <qv/tree/BVisitor.h>
 #include <string>
@@ -149,15 +148,11 @@ TEST_F(NodeTest, RootSilencesItsTree) {
 TEST_F(NodeTest, AddingAndRemovingKeepsParentsConsistent) {
     SP<BNode> one = SmallTree(), two = SmallTree();
     BNode* b = one->Child(u"b");
-    EXPECT_FALSE(two->AddChild(b)) << "b has a parent";
-    EXPECT_FALSE(two->RemoveChild(b)) << "b belongs to another parent";
+    EXPECT_FALSE(two->AddChild(b) || two->RemoveChild(b)) << "b belongs to another parent";
     EXPECT_EQ(b->Parent(), one.get());
-    EXPECT_FALSE(b->AddChild(one)) << "a node below itself";
-    EXPECT_FALSE(one->AddChild(one));
-    EXPECT_TRUE(one->IsGrandParent(b->Child(0)));
-    EXPECT_FALSE(one->IsGrandParent(one));
-    EXPECT_TRUE(one->Includes(one));
-    EXPECT_FALSE(b->Includes(one));
+    EXPECT_FALSE(b->AddChild(one) || one->AddChild(one)) << "a node below itself";
+    EXPECT_TRUE(one->IsGrandParent(b->Child(0)) && !one->IsGrandParent(one));
+    EXPECT_TRUE(one->Includes(one) && !b->Includes(one));
 
     SP<BNode> held = b;
     EXPECT_TRUE(one->RemoveChild(u"B"));
@@ -167,8 +162,7 @@ TEST_F(NodeTest, AddingAndRemovingKeepsParentsConsistent) {
 
     SP<BNode> d = held->Child(0);
     held = nullptr; // the parent dies, the child held elsewhere lives on as a root
-    EXPECT_EQ(d->Parent(), nullptr);
-    EXPECT_EQ(d->Sister(), nullptr);
+    EXPECT_TRUE(!d->Parent() && !d->Sister());
 }
 
 TEST_F(NodeTest, PathsFoldCaseAndSkipLeadingSlashes) {
@@ -209,9 +203,7 @@ TEST_F(NodeTest, CopySharesDecorAndDoublesChildren) {
     Sent();
     copy->Copy(*source);
     EXPECT_EQ(WString(copy->GetText()), WString(u"mine")) << "Copy leaves the text";
-    EXPECT_TRUE(copy->IsLocked());
-    EXPECT_EQ(copy->GetObj(), object.get());
-    EXPECT_EQ(copy->Attrib(0), attribute.get());
+    EXPECT_TRUE(copy->IsLocked() && copy->GetObj() == object && copy->Attrib(0) == attribute);
     ASSERT_EQ(copy->ChildNum(), 2);
     EXPECT_NE(copy->Child(u"b/d"), source->Child(u"b/d"));
     std::vector<Message> const sent = Sent();
@@ -227,18 +219,15 @@ TEST_F(NodeTest, CopySharesDecorAndDoublesChildren) {
     source->SetObj(object);
     source->Deactivate();
     source->Clear();
-    EXPECT_EQ(source->ChildNum(), 0);
-    EXPECT_EQ(source->GetObj(), nullptr);
+    EXPECT_TRUE(!source->ChildNum() && !source->GetObj() && !source->IsActive());
     EXPECT_EQ(WString(source->GetText()), WString(u"a"));
-    EXPECT_FALSE(source->IsActive());
 }
 
 // The walks themselves are tabled in BNodeWalk_test.cpp.
 TEST_F(NodeTest, ActivityOfBranchesAndTheMemoryOfActiveNodes) {
     SP<BNode> root = SmallTree(); // a(b(d), c)
     root->Child(u"b")->Deactivate();
-    EXPECT_FALSE(root->Child(u"b/d")->IsBranchActive());
-    EXPECT_TRUE(root->Child(u"b/d")->IsActive());
+    EXPECT_TRUE(root->Child(u"b/d")->IsActive() && !root->Child(u"b/d")->IsBranchActive());
     root->Deactivate();
     root->SetObj(new Sized(10));
     root->Child(u"b/d")->SetObj(new Sized(5));
@@ -249,28 +238,17 @@ TEST_F(NodeTest, ActivityOfBranchesAndTheMemoryOfActiveNodes) {
     EXPECT_EQ(root->AllocatedMemory(true), 11u);
 }
 
-TEST_F(NodeTest, ListIteratorsRemoveSafely) {
+TEST_F(NodeTest, TheChildIteratorRemovesSafely) {
     SP<BNode> root = SmallTree();
     SP<BNode> b = root->Child(0);
     Sent();
     BNodeChildItr children(*root);
     children.RemoveCurrent();
-    EXPECT_EQ(children.Current(), root->Child(0));
-    EXPECT_EQ(b->Parent(), nullptr);
+    EXPECT_TRUE(children.Current() == root->Child(0) && !b->Parent());
     EXPECT_EQ(Sent(), (std::vector<Message>{{MSG_NODE_CHILD_REMOVED, N(b), 0}}));
     children.RemoveCurrent();
     children.RemoveCurrent(); // no effect at the end
     EXPECT_FALSE(children);
-
-    root->AddAttrib(new Named(u"p"));
-    root->AddAttrib(new Named(u"q"));
-    Sent();
-    BNodeAttribItr attributes(*root);
-    ++attributes;
-    attributes.RemoveCurrent();
-    EXPECT_FALSE(attributes);
-    EXPECT_EQ(root->AttribNum(), 1);
-    EXPECT_EQ(Sent(), (std::vector<Message>{{MSG_NODE_DECOR_CHANGED, N(root), 0}}));
 }
 
 namespace {
@@ -329,17 +307,4 @@ TEST_F(NodeTest, TraverseCallsBackInTheDocumentedOrder) {
     trace->log.clear();
     r->TraverseObjects(trace);
     EXPECT_EQ(trace->log, "Treat null, Treat null, Treat null");
-}
-
-TEST(NodeLifetime, DeepBranchesDieWithoutRecursion) {
-    SP<BNode> root = new BNode;
-    BNode* tip = root;
-    for (int i = 0; i < 200000; ++i) {
-        SP<BNode> next = new BNode;
-        tip->AddChild(next);
-        tip = next;
-    }
-    SP<BNode> held = tip;
-    root = nullptr;
-    EXPECT_EQ(held->Parent(), nullptr);
 }
