@@ -157,74 +157,51 @@ TEST_F(StreamArchiveTest, EachDirectionRefusesTheOthersWork) {
 }
 
 TEST_F(StreamArchiveTest, DamagedAndForeignFiles) {
+    // What opening a file and taking out its first object comes to.
+    auto outcome = [&](std::string const& bytes) -> std::string {
+        Write(bytes);
+        try {
+            BIStreamArchive in(Path(), u"N");
+            SP<BNode> node = in.TakeOut("");
+            return std::string(in.IsGood() ? "good" : "not good") +
+                   (node ? ", " + std::to_string(node->ChildNum()) + " children" : "");
+        } catch (BError const&) {
+            return "throws";
+        }
+    };
     std::string const good = StreamHeader("N");
-    enum Outcome { kGood, kNotGood, kThrows };
+    std::string deep = StreamNode("leaf");
+    for (int i = 0; i < 2100; ++i)
+        deep = StreamNode("n", {deep});
     struct Row {
         char const* name;
         std::string bytes;
-        Outcome outcome;
+        char const* outcome;
     } const rows[] = {
-        {"good header", good, kGood},
-        {"empty file", "", kThrows},
-        {"other first number", Le64(17) + good.substr(8), kThrows},
-        {"wrong identifier", Le64(16) + std::string(16, '\0') + good.substr(24), kNotGood},
-        {"older version", Le64(16) + kId + WStr("BStreamArchive") + Le32(8) + WStr("N"), kNotGood},
-        {"name in other case", StreamHeader("n"), kNotGood},
+        {"good header", good, "good"},
+        {"empty file", "", "throws"},
+        {"other first number", Le64(17) + good.substr(8), "throws"},
+        {"wrong identifier", Le64(16) + std::string(16, '\0') + good.substr(24), "not good"},
+        {"older version", Le64(16) + kId + WStr("BStreamArchive") + Le32(8) + WStr("N"),
+         "not good"},
+        {"name in other case", StreamHeader("n"), "not good"},
+        {"unknown class", good + StreamObject("", "class Nobody", 0, ""), "throws"},
+        {"class without its prefix word", good + StreamObject("", "BNode", 2, ""), "throws"},
+        {"prefix cut short", good + Le64(1) + Str("0") + Str(""), "good"},
+        {"null children are dropped",
+         good + StreamObject("", "class BNode", 2,
+                             Le64(0) + Le32(2) + Le64(0) + StreamNode("a") + Le32(0) + Str("p") +
+                                 Le64(0) + "\1" + WStr("p") + Le32(0)),
+         "good, 1 children"},
+        {"nesting too deep", good + deep, "throws"},
     };
-    for (Row const& row : rows) {
-        Write(row.bytes);
-        if (row.outcome == kThrows) {
-            EXPECT_THROW(BIStreamArchive(Path(), u"N"), BError) << row.name;
-            continue;
-        }
-        BIStreamArchive in(Path(), u"N");
-        EXPECT_EQ(in.IsGood(), row.outcome == kGood) << row.name;
-        EXPECT_FALSE(in.TakeOut("")) << row.name;
-    }
+    for (Row const& row : rows)
+        EXPECT_EQ(outcome(row.bytes), row.outcome) << row.name;
     BIStreamArchive missing(WString(dir.U("missing.qvs").c_str()), u"N");
     EXPECT_FALSE(missing.IsGood());
     BOStreamArchive unwritable(WString(dir.U("no/such/dir.qvs").c_str()), u"N");
     EXPECT_FALSE(unwritable.IsGood());
     EXPECT_THROW(unwritable.Insert(nullptr, nullptr), BError);
-}
-
-TEST_F(StreamArchiveTest, DamagedObjects) {
-    std::string deep = StreamNode("leaf");
-    for (int i = 0; i < 2100; ++i)
-        deep = StreamNode("n", {deep});
-    enum Outcome { kNull, kNode, kThrows };
-    struct Row {
-        char const* name;
-        std::string objects;
-        Outcome outcome;
-        int children = 0;
-    } const rows[] = {
-        {"unknown class", StreamObject("", "class Nobody", 0, ""), kThrows},
-        {"class without its prefix word", StreamObject("", "BNode", 2, ""), kThrows},
-        {"prefix cut short", Le64(1) + Str("0") + Str(""), kNull},
-        {"child count beyond the file",
-         StreamObject("", "class BNode", 2, Le64(0) + Le32(0x7FFFFFFF)) + StreamNode("a"), kNull},
-        {"null children are dropped",
-         StreamObject("", "class BNode", 2,
-                      Le64(0) + Le32(2) + Le64(0) + StreamNode("a") + Le32(0) + Str("p") + Le64(0) +
-                          "\1" + WStr("p") + Le32(0)),
-         kNode, 1},
-        {"nesting too deep", deep, kThrows},
-    };
-    for (Row const& row : rows) {
-        Write(StreamHeader("N") + row.objects);
-        BIStreamArchive in(Path(), u"N");
-        ASSERT_TRUE(in.IsGood()) << row.name;
-        if (row.outcome == kThrows) {
-            EXPECT_THROW(in.TakeOut(""), BError) << row.name;
-            continue;
-        }
-        SP<BNode> node;
-        EXPECT_NO_THROW(node = in.TakeOut("")) << row.name;
-        EXPECT_EQ(node ? node->ChildNum() : -1, row.outcome == kNode ? row.children : -1)
-            << row.name;
-        EXPECT_TRUE(in.IsGood()) << row.name;
-    }
 }
 
 TEST_F(StreamArchiveTest, WritingTooDeepAStructureThrows) {
