@@ -53,40 +53,6 @@ TEST_F(DamagedArchive, AHostileListCountStaysWithinTheFile) {
     root->m_children.RemoveAll(); // the file made the item its own child
 }
 
-// Resolves its children from the last to the first.
-struct ReverseItem : ArchiveItem {
-    void UpdateAssociations(BArchive& archive) override {
-        for (auto at = m_children.TailPosition(); at.IsValid(); at.Prev())
-            archive.ResolveObjectRef(*at);
-        ArchiveItem::UpdateAssociations(archive);
-    }
-};
-bool const reverseRegistered = [] {
-    RegisterArchiveCallback("class ReverseItem", &ArchiveItem::ReadAs<ReverseItem>);
-    return true;
-}();
-
-TEST_F(DamagedArchive, LongListsResolveInLinearTimeInAnyOrder) {
-    // Null and real references in turn, resolved backwards: each lookup must cost a constant,
-    // or this list alone would take minutes.
-    int const count = 200000;
-    std::string children;
-    for (int i = 0; i < count; ++i)
-        children += Le64(i % 2 ? 0 : 2);
-    std::string const data =
-        Le64(0) + Le32(count) + children + Le32(0) + Le64(0) + WStr("r") + Le32(0);
-    auto in = Open(Header() + Record("1", "tree", "class ReverseItem", 3, data) +
-                   Record("2", "", "class ArchiveItem", 3, ItemData(0, {}, 1, "kid")));
-    SP<ArchiveItem> root(in->TakeOut("tree"));
-    ASSERT_TRUE(root);
-    ASSERT_EQ(root->m_children.Count(), count);
-    int nulls = 0;
-    for (auto const& child : root->m_children)
-        nulls += child ? 0 : 1;
-    EXPECT_EQ(nulls, count / 2);
-    EXPECT_EQ(Text(root->m_children[count - 2]), "kid");
-}
-
 TEST_F(DamagedArchive, FilesThatLieAboutLengthsAreRefusedWhole) {
     std::string const good = Record("1", "a", "class ArchiveItem", 3, ItemData(0, {}, 0, "a"));
     std::string hostileName = good;
