@@ -34,6 +34,10 @@ protected:
     std::unique_ptr<BQuorvelArchive> Open(int version = 3, BString name = kName) const {
         return std::make_unique<BQuorvelArchive>(Path().c_str(), BArchive::READ, name, version);
     }
+    std::unique_ptr<BQuorvelArchive> Open(std::string const& bytes) const {
+        Write(bytes);
+        return Open();
+    }
 
     TempDir m_dir;
 };
@@ -86,17 +90,21 @@ bool const backwardRegistered = [] {
 }();
 
 TEST_F(ObjectArchive, ResolvingInAnyOrderFindsEachNumber) {
-    Write(Header() + Record("1", "tree", "class BackwardItem", 3, ItemData(3, {2, 3, 2}, 2, "r")) +
+    // The children: an item, a tag (no item), the item again, an unknown class, a number no
+    // record has.
+    Write(Header() +
+          Record("1", "tree", "class BackwardItem", 3, ItemData(3, {2, 3, 2, 4, 9}, 2, "r")) +
           Record("2", "", "class ArchiveItem", 3, ItemData(0, {}, 1, "a")) +
-          Record("3", "", "class ArchiveTag", 0, Le32(7)));
+          Record("3", "", "class ArchiveTag", 0, Le32(7)) + Record("4", "", "class Nobody", 0, ""));
     auto in = Open();
     SP<BackwardItem> root(in->TakeOut("tree"));
     ASSERT_TRUE(root);
-    EXPECT_EQ(Kids(*root), "a <null> a"); // a tag is no item
+    EXPECT_EQ(Kids(*root), "a <null> a <null> <null>");
     ArchiveItem* a = root->m_children[0];
     EXPECT_TRUE(root->m_children[2].get() == a && root->m_parent == a && a->m_parent == root);
     EXPECT_EQ(SP<ArchiveTag>(root->m_object)->m_value, 7);
     EXPECT_FALSE(root->m_unread);
+    EXPECT_FALSE(in->TakeOut("4"));
     root->m_parent = nullptr;
 }
 
@@ -239,18 +247,6 @@ TEST_F(ObjectArchive, OlderFormatsReadWithTheirWidths) {
     }
 }
 
-TEST_F(ObjectArchive, UnknownClassesAndMissingRecordsLoadAsNull) {
-    Write(Header() + Record("1", "tree", "class ArchiveItem", 3, ItemData(5, {2, 3, 4}, 0, "r")) +
-          Record("2", "", "class Nobody", 0, "") +
-          Record("3", "", "class ArchiveItem", 3, ItemData(0, {}, 1, "kid")));
-    auto in = Open();
-    SP<ArchiveItem> root = AsItem(in->TakeOut("tree"));
-    ASSERT_TRUE(root);
-    EXPECT_FALSE(root->m_object);
-    EXPECT_EQ(Kids(*root), "<null> kid <null>");
-    EXPECT_FALSE(in->TakeOut("2"));
-}
-
 TEST_F(ObjectArchive, InsertKeepsTheFirstNameAndTheFirstHolderOfAName) {
     SP<ArchiveItem> a = Item("a");
     SP<ArchiveItem> b = Item("b");
@@ -379,6 +375,81 @@ TEST_F(ObjectArchive, PrefixAcrossTheReadAheadBufferIsRead) {
         EXPECT_EQ(Text(AsItem(archive->TakeOut(row.key))), "b") << row.name;
         EXPECT_EQ(Text(AsItem(archive->TakeOut("first"))).size(), text.size()) << row.name;
     }
+}
+
+// Damaged, truncated and hostile archives, and read functions that give up: the archive stays
+// sound, allocates within what the file holds, and never lets a reference number loose as if
+// it were an object.
+
+// Reads its references like an item, then gives up: by throwing or by returning null.
+struct GivingUp : ArchiveItem {
+    static SP<BSmartObj> Throw(BArchive& archive, int version) {
+        SP<BSmartObj> item = ArchiveItem::Read(archive, version);
+        throw BError(BError::kGeneralFailure, u"given up");
+    }
+    static SP<BSmartObj> Refuse(BArchive& archive, int version) {
+        ArchiveItem::Read(archive, version);
+        return nullptr;
+    }
+};
+bool const givingUpRegistered = [] {
+    RegisterArchiveCallback("class ThrowingItem", &GivingUp::Throw);
+    RegisterArchiveCallback("class RefusingItem", &GivingUp::Refuse);
+    return true;
+}();
+
+TEST_F(ObjectArchive, AHostileListCountStaysWithinTheFile) {
+    std::string data = Le64(0) + Le32(0x7FFFFFFF) + Le64(1) + Le64(1);
+    std::string const bytes = Header() + Record("1", "tree", "class ArchiveItem", 3, data);
+    auto in = Open(bytes);
+    SP<ArchiveItem> root(in->TakeOut("tree"));
+    ASSERT_TRUE(root);
+    ASSERT_EQ(root->m_children.Count(), 2);
+    EXPECT_EQ(root->m_children[0].get(), root.get());
+    root->m_children.RemoveAll(); // the file made the item its own child
+}
+
+TEST_F(ObjectArchive, FilesThatLieAboutLengthsAreRefusedWhole) {
+    std::string const good = Record("1", "a", "class ArchiveItem", 3, ItemData(0, {}, 0, "a"));
+    std::string hostileName = good;
+    hostileName.replace(7, 4, Le32(0xFFFFFFFF)); // the length of the name
+    // A size of -n from a position beyond n would seek back into the records.
+    std::string looping = Record("2", "b", "class ArchiveItem", 3, "");
+    looping.replace(looping.size() - 8, 8, Le64(static_cast<std::uint64_t>(-20)));
+    struct Row {
+        char const* name;
+        std::string bytes;
+        bool good;
+    } const rows[] = {
+        {"sound", Header() + good + good, true},
+        {"a size past the end", Header() + good + good.substr(0, good.size() - 1), false},
+        {"a hostile name length", Header() + hostileName, false},
+        {"a header cut before its format", Header().substr(0, Header().size() - 4), false},
+        {"a negative size", Header() + good + looping, false},
+    };
+    for (Row const& row : rows)
+        EXPECT_EQ(Open(row.bytes)->IsGood(), row.good) << row.name;
+}
+
+TEST_F(ObjectArchive, AReadFunctionThatThrowsLeavesNoNumberBehind) {
+    auto in =
+        Open(Header() + Record("1", "tree", "class ArchiveItem", 3, ItemData(0, {2, 3}, 0, "r")) +
+             Record("2", "", "class ThrowingItem", 3, ItemData(0, {3}, 1, "t")) +
+             Record("3", "", "class ArchiveItem", 3, ItemData(0, {}, 1, "c")));
+    EXPECT_THROW(in->TakeOut("tree"), BError);
+    // The half-done load is taken up by the next call: the root is resolved, and the child
+    // that could not be built comes out null rather than as a number.
+    SP<ArchiveItem> root(in->TakeOut("tree"));
+    ASSERT_TRUE(root);
+    EXPECT_EQ(Kids(*root), "<null> c"); // c was still in the later list, loaded now
+    EXPECT_EQ(root->m_updates, 1);
+}
+
+TEST_F(ObjectArchive, ReadFunctionsThatRefuseEachOtherEndTheLoad) {
+    auto in = Open(Header() + Record("1", "a", "class RefusingItem", 3, ItemData(2, {}, 0, "a")) +
+                   Record("2", "b", "class RefusingItem", 3, ItemData(1, {}, 0, "b")));
+    EXPECT_FALSE(in->TakeOut("a"));
+    EXPECT_FALSE(in->TakeOut("b"));
 }
 
 } // namespace
