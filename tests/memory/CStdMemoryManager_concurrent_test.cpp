@@ -1,5 +1,6 @@
 #include <MessageCounter.h>
 #include <ThreadTestSupport.h>
+#include <algorithm>
 #include <atomic>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -15,24 +16,6 @@
 namespace {
 
 unsigned long long const P = CStdMemoryManager::PAGESIZE();
-
-// A block stamped with its owner's mark on the first and last byte of each page, so that two
-// blocks handed the same pages show up as a wrong mark.
-void Stamp(CMemoryBlock* block, unsigned char mark) {
-    auto* bytes = static_cast<unsigned char*>(block->Start());
-    for (unsigned long long at = 0; at < block->Size(); at += P) {
-        bytes[at] = mark;
-        bytes[std::min(at + P, block->Size()) - 1] = mark;
-    }
-}
-
-bool HasStamp(CMemoryBlock* block, unsigned char mark) {
-    auto const* bytes = static_cast<unsigned char const*>(block->Start());
-    for (unsigned long long at = 0; at < block->Size(); at += P)
-        if (bytes[at] != mark || bytes[std::min(at + P, block->Size()) - 1] != mark)
-            return false;
-    return true;
-}
 
 } // namespace
 
@@ -65,8 +48,11 @@ TEST(CStdMemoryManagerConcurrent, FiguresStayExactUnderThreadsThatAllocateAndFre
             std::uniform_int_distribution<unsigned long long> size(1, kMaxPages * P);
             auto const mark = static_cast<unsigned char>(t + 1);
             std::vector<CMemoryBlock*> kept;
+            // Each block is filled with its owner's mark: two blocks handed the same pages show
+            // up as a wrong mark.
             auto give = [&](CMemoryBlock* block) {
-                if (!HasStamp(block, mark))
+                auto const* bytes = static_cast<unsigned char const*>(block->Start());
+                if (std::count(bytes, bytes + block->Size(), mark) != std::ptrdiff_t(block->Size()))
                     ++wrongMarks;
                 liveBytes -= block->Size() ? (block->Size() + P - 1) / P * P : 0;
                 QVFree(block);
@@ -76,7 +62,8 @@ TEST(CStdMemoryManagerConcurrent, FiguresStayExactUnderThreadsThatAllocateAndFre
                 CMemoryBlock* block = QVAlloc(round % 17 == 0 ? 0 : size(random));
                 liveBytes += (block->Size() + P - 1) / P * P;
                 changes += block->Size() ? 1 : 0;
-                Stamp(block, mark);
+                if (block->Size())
+                    std::memset(block->Start(), mark, block->Size());
                 kept.push_back(block);
                 if (kept.size() > kKept) {
                     give(kept.front());
