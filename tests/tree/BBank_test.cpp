@@ -32,42 +32,39 @@ TEST(BankPaths, SyntaxAndNames) {
 }
 
 TEST(BankPaths, ComposingAndTakingApart) {
-    struct Concat {
-        char16_t const *first, *second, *result;
-    } const concats[] = {
-        {u"//", u"a", u"/a"}, {u"/a", u"/b", u"/a/b"}, {u"a", u"b/c", u"a/b/c"},
-        {u"a", u"//", u""},   {u"a b", u"c", u""},
-    };
-    for (Concat const& c : concats)
-        EXPECT_EQ(BBank::ConcatPath(c.first, c.second), WString(c.result))
-            << Narrow(WString(c.first)) << " + " << Narrow(WString(c.second));
-
     BBank bank;
-    struct Parent {
-        char16_t const* path;
-        bool result;
-        char16_t const* parent;
-    } const parents[] = {
-        {u"/a", true, u"//"},       {u"a/b", true, u"a"},     {u"//", false, u"untouched"},
-        {u"", false, u"untouched"}, {u"a b/c", true, u"a b"},
-    };
-    for (Parent const& p : parents) {
+    auto parent = [&](char16_t const* path) {
         WString parent(u"untouched");
-        EXPECT_EQ(bank.ParentPath(p.path, parent), p.result) << Narrow(WString(p.path));
-        EXPECT_EQ(parent, WString(p.parent)) << Narrow(WString(p.path));
-    }
-
-    struct Below {
-        char16_t const *path, *parent;
-        bool result;
-    } const belows[] = {
-        {u"a", u"a", true},    {u"A/B", u"/a", true}, {u"/a/bc", u"/a/b", false},
-        {u"a", u"//", true},   {u"//", u"a", false},  {u"", u"//", false},
-        {u"a", u"a/b", false},
+        return bank.ParentPath(path, parent) ? Narrow(parent) : "false, " + Narrow(parent);
     };
-    for (Below const& b : belows)
-        EXPECT_EQ(BBank::IsGrandParent(b.path, b.parent), b.result)
-            << Narrow(WString(b.path)) << " below " << Narrow(WString(b.parent));
+    auto below = [](char16_t const* path, char16_t const* parent) {
+        return std::string(BBank::IsGrandParent(path, parent) ? "below" : "not below");
+    };
+    struct Row {
+        char const* name;
+        std::string result;
+        char const* expected;
+    } const rows[] = {
+        {"// + a", Narrow(BBank::ConcatPath(u"//", u"a")), "/a"},
+        {"/a + /b", Narrow(BBank::ConcatPath(u"/a", u"/b")), "/a/b"},
+        {"a + b/c", Narrow(BBank::ConcatPath(u"a", u"b/c")), "a/b/c"},
+        {"a + //", Narrow(BBank::ConcatPath(u"a", u"//")), ""},
+        {"a b + c", Narrow(BBank::ConcatPath(u"a b", u"c")), ""},
+        {"parent of /a", parent(u"/a"), "//"},
+        {"parent of a/b", parent(u"a/b"), "a"},
+        {"parent of //", parent(u"//"), "false, untouched"},
+        {"parent of nothing", parent(u""), "false, untouched"},
+        {"parent of a b/c", parent(u"a b/c"), "a b"},
+        {"a in a", below(u"a", u"a"), "below"},
+        {"A/B in /a", below(u"A/B", u"/a"), "below"},
+        {"/a/bc in /a/b", below(u"/a/bc", u"/a/b"), "not below"},
+        {"a in //", below(u"a", u"//"), "below"},
+        {"// in a", below(u"//", u"a"), "not below"},
+        {"nothing in //", below(u"", u"//"), "not below"},
+        {"a in a/b", below(u"a", u"a/b"), "not below"},
+    };
+    for (Row const& row : rows)
+        EXPECT_EQ(row.result, row.expected) << row.name;
 }
 
 TEST(BankNodes, ContainerAndPathRoundTrips) {
