@@ -37,7 +37,7 @@ Step Free(int ref, unsigned long long reserved, unsigned long long inUse, int po
 
 struct Sequence {
     std::string name;
-    unsigned long long first, later; // Init's sizes; 0: no Init
+    std::pair<unsigned long long, unsigned long long> init; // Init's sizes; 0: no Init
     std::vector<Step> steps;
 };
 
@@ -51,25 +51,21 @@ TEST(CStdMemoryManager, SequencesPlaceBlocksAndKeepTheFigures) {
     using W = Step::Where;
     std::vector<Sequence> const sequences = {
         {"first frame and later frames take their rounded sizes",
-         2 * P + 1,
-         5 * P - 1,
+         {2 * P + 1, 5 * P - 1},
          {Alloc(3 * P, 3 * P, 3 * P), Alloc(P, 8 * P, 4 * P), Alloc(7 * P + 1, 16 * P, 12 * P),
           Alloc(4 * P, 16 * P, 16 * P, W::Behind, 1)}},
         {"a freed gap takes the next block that fits, a larger one goes behind",
-         16 * P,
-         16 * P,
+         {16 * P, 16 * P},
          {Alloc(P, 16 * P, P), Alloc(2 * P, 16 * P, 3 * P, W::Behind, 0),
           Alloc(P, 16 * P, 4 * P, W::Behind, 1), Free(1, 16 * P, 2 * P),
           Alloc(3 * P, 16 * P, 5 * P, W::Behind, 2), Alloc(P + 1, 16 * P, 7 * P, W::At, 1),
           Free(5, 16 * P, 5 * P), Alloc(P, 16 * P, 6 * P, W::At, 1),
           Alloc(P, 16 * P, 7 * P, W::Behind, 7)}},
         {"without Init the first request makes a frame of its own size, kept when emptied",
-         0,
-         0,
+         {0, 0},
          {Alloc(3 * P + 1, 4 * P, 4 * P), Free(0, 4 * P, 0), Alloc(2 * P, 4 * P, 2 * P, W::At, 0)}},
         {"blocks of size 0 occupy nothing and post only when freed",
-         P,
-         P,
+         {P, P},
          {Alloc(0, P, 0), Alloc(0, P, 0), Alloc(P, P, P), Free(0, P, P), Free(1, P, P),
           Free(2, P, 0)}},
     };
@@ -78,7 +74,8 @@ TEST(CStdMemoryManager, SequencesPlaceBlocksAndKeepTheFigures) {
         SCOPED_TRACE(sequence.name);
         MessageCounter::Installed messages;
         CStdMemoryManager manager;
-        EXPECT_TRUE(!sequence.first || manager.Init(sequence.first, sequence.later));
+        EXPECT_TRUE(!sequence.init.first ||
+                    manager.Init(sequence.init.first, sequence.init.second));
         messages->Take();
         // Blocks by step, with their places remembered: a freed block is gone.
         std::vector<CStdMemoryBlock*> blocks(sequence.steps.size(), nullptr);
@@ -95,11 +92,9 @@ TEST(CStdMemoryManager, SequencesPlaceBlocksAndKeepTheFigures) {
                 EXPECT_TRUE(block->Size() == step.size && Address(block->Start()) % P == 0 &&
                             block->AllocatedSize() == (step.size + P - 1) / P * P &&
                             (block->Start() == nullptr) == (step.size == 0));
-                if (step.where == Step::At) {
-                    EXPECT_EQ(block->Start(), starts[step.ref]);
-                } else if (step.where == Step::Behind) {
-                    EXPECT_EQ(block->Start(), ends[step.ref]);
-                }
+                EXPECT_EQ(block->Start(), step.where == Step::At       ? starts[step.ref]
+                                          : step.where == Step::Behind ? ends[step.ref]
+                                                                       : block->Start());
                 if (step.size)
                     std::memset(block->Start(), 0xA5, step.size); // the pages are there
             } else {
@@ -159,12 +154,11 @@ TEST(CStdMemoryManager, RefusedRequestsRaiseAndChangeNothing) {
             row.request(manager);
             ADD_FAILURE() << "no error raised";
         } catch (BError const& e) {
-            EXPECT_EQ(e.Error(), BError::kMemoryAllocFailed);
-            EXPECT_FALSE(e.Argument(0).IsEmpty()) << "the system's text";
-            EXPECT_TRUE(e.Argument(1).IsEmpty());
+            EXPECT_TRUE(e.Error() == BError::kMemoryAllocFailed && !e.Argument(0).IsEmpty() &&
+                        e.Argument(1).IsEmpty())
+                << "the system's text only: " << e.Argument(0).ToUtf8();
         }
-        EXPECT_EQ(manager.TotalReservedMemory(), P);
-        EXPECT_EQ(manager.MemoryInUse(), P);
+        EXPECT_TRUE(manager.TotalReservedMemory() == P && manager.MemoryInUse() == P);
         EXPECT_TRUE(messages->Take().empty());
         // The lock was left: another thread can still get in.
         std::thread([&] { manager.FreeMemoryBlock(kept); }).join();
@@ -226,11 +220,9 @@ TEST_F(QVAllocTest, ARegisteredManagerServesAndRejectsWhatItDidNotMake) {
     QVFree(otherBlock); // another manager's block: nothing happens
     QVFree(nullptr);
     EXPECT_TRUE(messages->Take().empty());
-    EXPECT_EQ(manager.MemoryInUse(), 2 * P);
-    EXPECT_EQ(other.MemoryInUse(), P);
+    EXPECT_TRUE(manager.MemoryInUse() == 2 * P && other.MemoryInUse() == P);
     QVFree(block);
-    EXPECT_EQ(manager.MemoryInUse(), 0u);
-    EXPECT_EQ(messages->Take().size(), 1u);
+    EXPECT_TRUE(manager.MemoryInUse() == 0 && messages->Take().size() == 1);
 
     CMemoryBlockManager::RegisterMemoryManager(nullptr);
     std::memset(fromHeap->Start(), 0, P); // the rejected block is still the caller's
