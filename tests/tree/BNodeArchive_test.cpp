@@ -242,7 +242,6 @@ TEST_F(NodeArchiveTest, LoadedTreeIsEditedLikeABuiltOne) {
         char const* outline;
     };
     Row const rows[] = {
-        {"as loaded", [](BNode&) {}, "root (leaf, leaf[t], leaf a*)"},
         {"one shared text changed", [](BNode& r) { r.Child(0)->SetText(u"x"); },
          "root (x, leaf[t], leaf a*)"},
         {"attribute on a node that had none",
