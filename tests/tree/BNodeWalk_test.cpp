@@ -40,8 +40,7 @@ TEST(NodeWalk, DepthFirstOrderInBothModes) {
         {"inactive first child", {u"a"}, nullptr, "rabcdefgh", "refgh"},
         {"inactive deep node", {u"a/c"}, nullptr, "rabcdefgh", "rabefgh"},
         {"inactive root", {u""}, nullptr, "rabcdefgh", ""},
-        {"branch below an inactive node", {u"a"}, u"a/c", "cd", "cd"},
-        {"start inside: no sisters", {}, u"a/c", "cd", "cd"},
+        {"start inside, below an inactive node", {u"a"}, u"a/c", "cd", "cd"},
     };
     for (Row const& row : rows) {
         SP<BNode> r = Tree();
