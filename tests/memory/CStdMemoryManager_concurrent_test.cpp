@@ -1,5 +1,6 @@
 #include <MessageCounter.h>
 #include <ThreadTestSupport.h>
+#include <algorithm>
 #include <atomic>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -16,99 +17,75 @@ namespace {
 
 unsigned long long const P = CStdMemoryManager::PAGESIZE();
 
-// A block stamped with its owner's mark on the first and last byte of each page, so that two
-// blocks handed the same pages show up as a wrong mark.
-void Stamp(CMemoryBlock* block, unsigned char mark) {
-    auto* bytes = static_cast<unsigned char*>(block->Start());
-    for (unsigned long long at = 0; at < block->Size(); at += P) {
-        bytes[at] = mark;
-        bytes[std::min(at + P, block->Size()) - 1] = mark;
-    }
-}
-
-bool HasStamp(CMemoryBlock* block, unsigned char mark) {
-    auto const* bytes = static_cast<unsigned char const*>(block->Start());
-    for (unsigned long long at = 0; at < block->Size(); at += P)
-        if (bytes[at] != mark || bytes[std::min(at + P, block->Size()) - 1] != mark)
-            return false;
-    return true;
-}
-
 } // namespace
 
 TEST(CStdMemoryManagerConcurrent, FiguresStayExactUnderThreadsThatAllocateAndFree) {
-    struct Row {
-        char const* name;
-        unsigned long long first, later; // Init; first 0 means none
-        unsigned long long maxPages;     // largest request
-    } const rows[] = {
-        {"blocks in one shared frame", 256 * P, 64 * P, 8},
-        {"frames made on demand", 0, 16 * P, 24},
-    };
-    for (auto const& row : rows) {
-        SCOPED_TRACE(row.name);
-        MessageCounter::Installed messages;
-        CStdMemoryManager manager;
-        if (row.first)
-            manager.Init(row.first, row.later);
-        CMemoryBlockManager::RegisterMemoryManager(&manager);
-
-        constexpr int kThreads = 4, kRounds = 300, kKept = 3;
-        std::atomic<bool> running{true};
-        std::atomic<int> wrongMarks{0};
-        std::atomic<unsigned long long> liveBytes{0};
-        std::atomic<long> changes{0};
-        // A reader that checks what every figure must satisfy at any moment.
-        auto reader = thread_test::Start([&] {
-            while (running.load()) {
-                BCriticalSection guard(manager.CriticalSectionObject());
-                unsigned long long const inUse = manager.MemoryInUse();
-                EXPECT_EQ(inUse % P, 0u);
-                EXPECT_LE(inUse, manager.TotalReservedMemory());
+    // Small requests share the first frame; large ones, and those that find it full, make
+    // frames of their own.
+    constexpr unsigned long long kMaxPages = 24;
+    MessageCounter::Installed messages;
+    CStdMemoryManager manager;
+    manager.Init(64 * P, 16 * P);
+    CMemoryBlockManager::RegisterMemoryManager(&manager);
+    constexpr int kThreads = 4, kRounds = 300, kKept = 3;
+    std::atomic<bool> running{true};
+    std::atomic<int> wrongMarks{0};
+    std::atomic<unsigned long long> liveBytes{0};
+    std::atomic<long> changes{0};
+    // A reader that checks what every figure must satisfy at any moment.
+    auto reader = thread_test::Start([&] {
+        while (running.load()) {
+            BCriticalSection guard(manager.CriticalSectionObject());
+            unsigned long long const inUse = manager.MemoryInUse();
+            EXPECT_EQ(inUse % P, 0u);
+            EXPECT_LE(inUse, manager.TotalReservedMemory());
+        }
+    });
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t)
+        threads.emplace_back([&, t] {
+            std::mt19937 random(static_cast<unsigned>(t + 1));
+            std::uniform_int_distribution<unsigned long long> size(1, kMaxPages * P);
+            auto const mark = static_cast<unsigned char>(t + 1);
+            std::vector<CMemoryBlock*> kept;
+            // Each block is filled with its owner's mark: two blocks handed the same pages show
+            // up as a wrong mark.
+            auto give = [&](CMemoryBlock* block) {
+                auto const* bytes = static_cast<unsigned char const*>(block->Start());
+                if (std::count(bytes, bytes + block->Size(), mark) != std::ptrdiff_t(block->Size()))
+                    ++wrongMarks;
+                liveBytes -= block->Size() ? (block->Size() + P - 1) / P * P : 0;
+                QVFree(block);
+                ++changes;
+            };
+            for (int round = 0; round < kRounds; ++round) {
+                CMemoryBlock* block = QVAlloc(round % 17 == 0 ? 0 : size(random));
+                liveBytes += (block->Size() + P - 1) / P * P;
+                changes += block->Size() ? 1 : 0;
+                if (block->Size())
+                    std::memset(block->Start(), mark, block->Size());
+                kept.push_back(block);
+                if (kept.size() > kKept) {
+                    give(kept.front());
+                    kept.erase(kept.begin());
+                }
+            }
+            // One block stays with each thread, to be counted after the join.
+            while (kept.size() > 1) {
+                give(kept.back());
+                kept.pop_back();
             }
         });
-        std::vector<std::thread> threads;
-        for (int t = 0; t < kThreads; ++t)
-            threads.emplace_back([&, t] {
-                std::mt19937 random(static_cast<unsigned>(t + 1));
-                std::uniform_int_distribution<unsigned long long> size(1, row.maxPages * P);
-                auto const mark = static_cast<unsigned char>(t + 1);
-                std::vector<CMemoryBlock*> kept;
-                auto give = [&](CMemoryBlock* block) {
-                    if (!HasStamp(block, mark))
-                        ++wrongMarks;
-                    liveBytes -= block->Size() ? (block->Size() + P - 1) / P * P : 0;
-                    QVFree(block);
-                    ++changes;
-                };
-                for (int round = 0; round < kRounds; ++round) {
-                    CMemoryBlock* block = QVAlloc(round % 17 == 0 ? 0 : size(random));
-                    liveBytes += (block->Size() + P - 1) / P * P;
-                    changes += block->Size() ? 1 : 0;
-                    Stamp(block, mark);
-                    kept.push_back(block);
-                    if (kept.size() > kKept) {
-                        give(kept.front());
-                        kept.erase(kept.begin());
-                    }
-                }
-                // One block stays with each thread, to be counted after the join.
-                while (kept.size() > 1) {
-                    give(kept.back());
-                    kept.pop_back();
-                }
-            });
-        for (auto& thread : threads)
-            thread.join();
-        running = false;
-        reader.get();
+    for (auto& thread : threads)
+        thread.join();
+    running = false;
+    reader.get();
 
-        EXPECT_EQ(wrongMarks.load(), 0) << "two blocks shared pages";
-        EXPECT_EQ(manager.MemoryInUse(), liveBytes.load());
-        auto const posted = messages->Take();
-        EXPECT_EQ(static_cast<long>(posted.size()), changes.load());
-        for (auto const& m : posted)
-            EXPECT_EQ(m.number, MSG_MEMORY_CHANGED);
-        CMemoryBlockManager::RegisterMemoryManager(nullptr);
-    }
+    EXPECT_EQ(wrongMarks.load(), 0) << "two blocks shared pages";
+    EXPECT_EQ(manager.MemoryInUse(), liveBytes.load());
+    auto const posted = messages->Take();
+    EXPECT_EQ(static_cast<long>(posted.size()), changes.load());
+    for (auto const& m : posted)
+        EXPECT_EQ(m.number, MSG_MEMORY_CHANGED);
+    CMemoryBlockManager::RegisterMemoryManager(nullptr);
 }

@@ -34,19 +34,13 @@ protected:
     std::unique_ptr<BQuorvelArchive> Open(int version = 3, BString name = kName) const {
         return std::make_unique<BQuorvelArchive>(Path().c_str(), BArchive::READ, name, version);
     }
+    std::unique_ptr<BQuorvelArchive> Open(std::string const& bytes) const {
+        Write(bytes);
+        return Open();
+    }
 
     TempDir m_dir;
 };
-
-TEST_F(ObjectArchive, TwoItemTreeIsWrittenByteForByte) {
-    SP<ArchiveItem> root = Item("root");
-    root->Add(Item("a"));
-    Store({{root, "tree"}});
-    std::string const expected =
-        Header() + Record("1", "tree", "class ArchiveItem", 3, ItemData(0, {2}, 0, "root")) +
-        Record("2", "", "class ArchiveItem", 3, ItemData(0, {}, 1, "a"));
-    EXPECT_EQ(Bytes(), expected);
-}
 
 TEST_F(ObjectArchive, SharedObjectsAreStoredOnceAndLoadedAsOneInstance) {
     SP<ArchiveItem> root = Item("root");
@@ -68,22 +62,23 @@ TEST_F(ObjectArchive, SharedObjectsAreStoredOnceAndLoadedAsOneInstance) {
     ArchiveTag* loadedTag = loaded->m_children[0]->m_tags[0];
     EXPECT_EQ(loadedTag->m_value, 42);
     EXPECT_EQ(SP<ArchiveTag>(loaded->m_object).get(), loadedTag);
-    for (auto const& child : loaded->m_children) {
-        EXPECT_EQ(child->m_parent, loaded.get());
-        EXPECT_EQ(child->m_object.get(), loaded->m_children[0]->m_object.get());
-        EXPECT_EQ(child->m_tags[0].get(), loadedTag);
-    }
+    for (auto const& child : loaded->m_children)
+        EXPECT_TRUE(child->m_parent == loaded.get() && child->m_tags[0].get() == loadedTag &&
+                    child->m_object.get() == loaded->m_children[0]->m_object.get())
+            << Text(child);
     // root, tag, three children, shared: six records and no more.
     EXPECT_TRUE(in->TakeOut("6"));
     EXPECT_FALSE(in->TakeOut("7"));
 }
 
-// Resolves in the reverse order of reading, and a field it never read.
+// Resolves in the reverse order of reading, its children one by one from the last, and a
+// field it never read.
 struct BackwardItem : ArchiveItem {
     void UpdateAssociations(BArchive& archive) override {
         archive.ResolveIndex(m_parent);
         archive.ResolveObjectList(m_tags);
-        archive.ResolveObjectList(m_children);
+        for (auto at = m_children.TailPosition(); at.IsValid(); at.Prev())
+            archive.ResolveObjectRef(*at);
         archive.ResolveObjectRef(m_object);
         archive.ResolveObjectRef(m_unread);
     }
@@ -95,20 +90,43 @@ bool const backwardRegistered = [] {
 }();
 
 TEST_F(ObjectArchive, ResolvingInAnyOrderFindsEachNumber) {
-    Write(Header() + Record("1", "tree", "class BackwardItem", 3, ItemData(3, {2, 3, 2}, 2, "r")) +
+    // The children: an item, a tag (no item), the item again, an unknown class, a number no
+    // record has.
+    Write(Header() +
+          Record("1", "tree", "class BackwardItem", 3, ItemData(3, {2, 3, 2, 4, 9}, 2, "r")) +
           Record("2", "", "class ArchiveItem", 3, ItemData(0, {}, 1, "a")) +
-          Record("3", "", "class ArchiveTag", 0, Le32(7)));
+          Record("3", "", "class ArchiveTag", 0, Le32(7)) + Record("4", "", "class Nobody", 0, ""));
     auto in = Open();
     SP<BackwardItem> root(in->TakeOut("tree"));
     ASSERT_TRUE(root);
-    EXPECT_EQ(Kids(*root), "a <null> a"); // a tag is no item
+    EXPECT_EQ(Kids(*root), "a <null> a <null> <null>");
     ArchiveItem* a = root->m_children[0];
-    EXPECT_EQ(root->m_children[2].get(), a);
-    EXPECT_EQ(root->m_parent, a);
+    EXPECT_TRUE(root->m_children[2].get() == a && root->m_parent == a && a->m_parent == root);
     EXPECT_EQ(SP<ArchiveTag>(root->m_object)->m_value, 7);
     EXPECT_FALSE(root->m_unread);
-    EXPECT_EQ(a->m_parent, root.get());
+    EXPECT_FALSE(in->TakeOut("4"));
     root->m_parent = nullptr;
+}
+
+TEST_F(ObjectArchive, LongListsResolveInLinearTimeInAnyOrder) {
+    // Null and real references in turn, resolved backwards: each lookup must cost a constant,
+    // or this list alone would take minutes.
+    int const count = 200000;
+    std::string children;
+    for (int i = 0; i < count; ++i)
+        children += Le64(i % 2 ? 0 : 2);
+    std::string const data =
+        Le64(0) + Le32(count) + children + Le32(0) + Le64(0) + WStr("r") + Le32(0);
+    Write(Header() + Record("1", "tree", "class BackwardItem", 3, data) +
+          Record("2", "", "class ArchiveItem", 3, ItemData(0, {}, 1, "kid")));
+    SP<ArchiveItem> root(Open()->TakeOut("tree"));
+    ASSERT_TRUE(root);
+    ASSERT_EQ(root->m_children.Count(), count);
+    int nulls = 0;
+    for (auto const& child : root->m_children)
+        nulls += child ? 0 : 1;
+    EXPECT_EQ(nulls, count / 2);
+    EXPECT_EQ(Text(root->m_children[count - 2]), "kid");
 }
 
 // Takes another object out from inside its read function, once its own bytes are read, and
@@ -138,29 +156,36 @@ TEST_F(ObjectArchive, TakeOutFromInsideALoadKeepsTheOuterNumbers) {
     SP<NestingItem> root(in->TakeOut("tree"));
     ASSERT_TRUE(root);
     ASSERT_EQ(Kids(*root), "x y");
-    EXPECT_EQ(root->m_children[0].get(), root->m_fromRead.get());
-    EXPECT_EQ(root->m_children[1].get(), root->m_fromUpdate.get());
-    EXPECT_EQ(root->m_object.get(), root->m_fromUpdate.get());
-    EXPECT_EQ(root->m_children[1]->m_children[0].get(), root->m_fromRead.get());
+    BSmartObj *x = root->m_children[0].get(), *y = root->m_children[1].get();
+    EXPECT_TRUE(x == root->m_fromRead.get() && y == root->m_fromUpdate.get() &&
+                root->m_object.get() == y && root->m_children[1]->m_children[0].get() == x);
     // The TakeOut inside the root's read function also worked off the later list, where the
     // root had just put y: x and y were resolved before the root existed.
-    EXPECT_EQ(root->m_children[0]->m_parent, nullptr);
-    EXPECT_EQ(root->m_children[1]->m_parent, nullptr);
+    EXPECT_TRUE(!root->m_children[0]->m_parent && !root->m_children[1]->m_parent);
 }
 
-TEST_F(ObjectArchive, TakeOutByNameAndByHexadecimalId) {
-    SP<ArchiveItem> root = Item("0");
+TEST_F(ObjectArchive, KeysByNameByHexadecimalIdAndNotedForLater) {
+    // A lone item, then a chain of items 0 to 11: the lone item is the first object, the chain
+    // follows in order. A second name for an object, and a second holder of a name, are not
+    // kept.
+    SP<ArchiveItem> lone = Item("lone"), root = Item("0");
     ArchiveItem* last = root;
-    for (int i = 1; i < 20; ++i)
+    for (int i = 1; i < 12; ++i)
         last = last->Add(Item(std::to_string(i).c_str()));
-    Store({{root, "chain"}});
+    Store({{lone, "later"}, {root, "chain"}, {root, "again"}, {lone, "chain"}, {nullptr, "none"}});
 
     auto in = Open();
-    SP<BSmartObj> byName = in->TakeOut("chain");
-    EXPECT_EQ(in->TakeOut("1").get(), byName.get());
-    EXPECT_EQ(Text(AsItem(in->TakeOut("b"))), "10"); // the eleventh object
-    EXPECT_FALSE(in->TakeOut("B"));
-    EXPECT_FALSE(in->TakeOut(nullptr));
+    in->TakeOutLater("later");
+    SP<BSmartObj> chain = in->TakeOut("chain");
+    EXPECT_EQ(Text(AsItem(chain)), "0");
+    // The noted object was loaded on the way: its number now finds it without a load.
+    SP<BSmartObj> noted = in->QueryObject(reinterpret_cast<void*>(1));
+    EXPECT_EQ(Text(AsItem(noted)), "lone");
+    EXPECT_EQ(in->TakeOut("later").get(), noted.get());
+    EXPECT_EQ(in->TakeOut("2").get(), chain.get());
+    EXPECT_EQ(Text(AsItem(in->TakeOut("b"))), "9"); // the eleventh object
+    for (char const* key : {"B", "again", "none", "e", static_cast<char const*>(nullptr)})
+        EXPECT_FALSE(in->TakeOut(key)) << (key ? key : "null");
 }
 
 TEST_F(ObjectArchive, AnObjectBelowTheTopLoadsAloneWithoutItsParent) {
@@ -185,11 +210,9 @@ TEST_F(ObjectArchive, AnObjectBelowTheTopLoadsAloneWithoutItsParent) {
 }
 
 TEST_F(ObjectArchive, HeaderChecks) {
-    SP<ArchiveItem> root = Item("r");
-    Store({{root, "r"}});
-    EXPECT_FALSE(Open(4)->IsGood()); // application version too low
-    EXPECT_TRUE(Open(3)->IsGood());
-    EXPECT_FALSE(Open(3, "class Other")->IsGood());
+    Store({});
+    // An application version above the file's, or another name, is refused.
+    EXPECT_TRUE(!Open(4)->IsGood() && Open(3)->IsGood() && !Open(3, "class Other")->IsGood());
     // A name without "class ", given to writer and reader alike, gives a file its reader refuses.
     { BQuorvelArchive out(Path().c_str(), BArchive::WRITE, "Test", 3); }
     EXPECT_FALSE(Open(3, "Test")->IsGood());
@@ -205,19 +228,14 @@ TEST_F(ObjectArchive, HeaderChecks) {
         {"format 1", Header(kName, 3, "class BArchive", 1), 0},
         {"format 9", Header(kName, 3, "class BArchive", 9), 0},
         {"format 2", Header(kName, 3, "class BArchive", 2), 2},
-        {"cut short", Header().substr(0, 20), 0},
     };
     for (Row const& row : rows) {
         Write(row.bytes);
         auto in = Open();
-        EXPECT_EQ(in->IsGood(), row.format != 0) << row.name;
-        if (row.format) {
-            EXPECT_EQ(in->Version(), row.format) << row.name;
-            EXPECT_FALSE(in->TakeOut("1")) << row.name << ": a header alone is an empty archive";
-        }
+        EXPECT_EQ(in->IsGood() ? in->Version() : 0, row.format) << row.name;
+        EXPECT_FALSE(in->TakeOut("1")) << row.name << ": a header alone is an empty archive";
     }
-    BQuorvelArchive missing(m_dir.U("none/x.qva").c_str(), BArchive::READ, kName, 0);
-    EXPECT_FALSE(missing.IsGood());
+    EXPECT_FALSE(BQuorvelArchive(m_dir.U("none/x.qva").c_str(), BArchive::READ, kName, 0).IsGood());
 }
 
 TEST_F(ObjectArchive, OlderFormatsReadWithTheirWidths) {
@@ -227,35 +245,11 @@ TEST_F(ObjectArchive, OlderFormatsReadWithTheirWidths) {
               Record("1", "tree", "class ArchiveItem", 3, ItemData(0, {2}, 0, "root", width),
                      format) +
               Record("2", "", "ArchiveItem", 3, ItemData(0, {}, 1, "leaf", width), format));
-        auto in = Open();
-        ASSERT_TRUE(in->IsGood()) << format;
-        SP<ArchiveItem> root = AsItem(in->TakeOut("tree"));
+        SP<ArchiveItem> root = AsItem(Open()->TakeOut("tree"));
         ASSERT_TRUE(root) << format;
         ASSERT_EQ(Kids(*root), "leaf") << format;
         EXPECT_EQ(root->m_children[0]->m_parent, root.get());
     }
-}
-
-TEST_F(ObjectArchive, UnknownClassesAndMissingRecordsLoadAsNull) {
-    Write(Header() + Record("1", "tree", "class ArchiveItem", 3, ItemData(5, {2, 3, 4}, 0, "r")) +
-          Record("2", "", "class Nobody", 0, "") +
-          Record("3", "", "class ArchiveItem", 3, ItemData(0, {}, 1, "kid")));
-    auto in = Open();
-    SP<ArchiveItem> root = AsItem(in->TakeOut("tree"));
-    ASSERT_TRUE(root);
-    EXPECT_FALSE(root->m_object);
-    EXPECT_EQ(Kids(*root), "<null> kid <null>");
-    EXPECT_FALSE(in->TakeOut("2"));
-}
-
-TEST_F(ObjectArchive, InsertKeepsTheFirstNameAndTheFirstHolderOfAName) {
-    SP<ArchiveItem> a = Item("a");
-    SP<ArchiveItem> b = Item("b");
-    Store({{a, "one"}, {a, "two"}, {b, "one"}, {nullptr, "three"}});
-    auto in = Open();
-    EXPECT_EQ(Text(AsItem(in->TakeOut("one"))), "a");
-    EXPECT_FALSE(in->TakeOut("two"));
-    EXPECT_FALSE(in->TakeOut("2"));
 }
 
 TEST_F(ObjectArchive, ASecondFlushAppends) {
@@ -268,10 +262,7 @@ TEST_F(ObjectArchive, ASecondFlushAppends) {
     out.Insert(b, "b");
     out.Insert(a, "again");
     EXPECT_TRUE(out.Flush());
-    std::string const second = Bytes();
-    EXPECT_EQ(second.substr(0, first.size()), first);
-    EXPECT_EQ(second.substr(first.size()),
-              Record("2", "b", "class ArchiveItem", 3, ItemData(0, {}, 0, "b")));
+    EXPECT_EQ(Bytes(), first + Record("2", "b", "class ArchiveItem", 3, ItemData(0, {}, 0, "b")));
 }
 
 TEST_F(ObjectArchive, WriteFailuresShowInIsGood) {
@@ -282,9 +273,7 @@ TEST_F(ObjectArchive, WriteFailuresShowInIsGood) {
     SP<ArchiveItem> a = Item("a");
     out.Insert(a, "a");
     out.Flush();
-    EXPECT_FALSE(out.IsGood());
-    EXPECT_FALSE(out.Flush());
-    EXPECT_EQ(out.WriteMemoryBlock("x", 1), 0u);
+    EXPECT_TRUE(!out.IsGood() && !out.Flush() && out.WriteMemoryBlock("x", 1) == 0);
 }
 
 // Overrides of the byte transfer see every byte once the archive is constructed.
@@ -339,43 +328,20 @@ TEST_F(ObjectArchive, AnExceptionFromWriteDataInTheDestructorLeavesARefusedFile)
     EXPECT_THROW(out.Flush(), BError);
 }
 
-TEST_F(ObjectArchive, KeysNotedForLaterLoadWithTheNextTakeOut) {
-    SP<ArchiveItem> a = Item("a");
-    SP<ArchiveItem> b = Item("b");
-    Store({{a, "a"}, {b, "b"}});
-    auto in = Open();
-    in->TakeOutLater("b");
-    SP<BSmartObj> first = in->TakeOut("a");
-    ASSERT_TRUE(first);
-    // b was loaded on the way: its id and its number now find it without a load.
-    SP<BSmartObj> second = in->QueryObject(reinterpret_cast<void*>(2));
-    ASSERT_TRUE(second);
-    EXPECT_EQ(Text(AsItem(second)), "b");
-    EXPECT_EQ(in->TakeOut("b").get(), second.get());
-}
-
-} // namespace
-
 TEST_F(ObjectArchive, PrefixAcrossTheReadAheadBufferIsRead) {
     // Opening reads the prefixes from a read-ahead buffer of 64 KiB, which starts at the first
     // record. The first record here is sized so that the second prefix begins `inBuffer`
-    // bytes before the end of the first buffer: split in its id, name, class name, version or
-    // size, or wholly inside. A name is a string up to its first zero byte.
+    // bytes before the end of the first buffer: split at its first or its last field. A name is a
+    // string up to its first zero byte.
     struct Row {
         char const* name;
         std::size_t inBuffer;
         std::string storedName;
         char const* key;
-    };
-    Row const rows[] = {
+    } const rows[] = {
         {"split in the id", 2, "second", "second"},
-        {"split in the name", 12, "second", "second"},
-        {"split in the class name", 30, "second", "second"},
-        {"split in the version", 42, "second", "second"},
         {"split in the size", 46, "second", "second"},
-        {"wholly in the buffer", 52, "second", "second"},
         {"zero byte in the name, split", 12, "sec\0ond"s, "sec"},
-        {"zero byte in the name, whole", 60, "sec\0ond"s, "sec"},
     };
     for (Row const& row : rows) {
         std::size_t const firstSize = 65536 - row.inBuffer;
@@ -386,8 +352,73 @@ TEST_F(ObjectArchive, PrefixAcrossTheReadAheadBufferIsRead) {
         Write(Header() + first +
               Record("2", row.storedName, "class ArchiveItem", 3, ItemData(0, {}, 0, "b")));
         auto archive = Open();
-        ASSERT_TRUE(archive->IsGood()) << row.name;
         EXPECT_EQ(Text(AsItem(archive->TakeOut(row.key))), "b") << row.name;
         EXPECT_EQ(Text(AsItem(archive->TakeOut("first"))).size(), text.size()) << row.name;
     }
 }
+
+// Damaged, truncated and hostile archives, and read functions that give up: the archive stays
+// sound, allocates within what the file holds, and never lets a reference number loose as if
+// it were an object.
+
+// Reads its references like an item, then gives up: by throwing or by returning null.
+struct GivingUp : ArchiveItem {
+    static SP<BSmartObj> Throw(BArchive& archive, int version) {
+        SP<BSmartObj> item = ArchiveItem::Read(archive, version);
+        throw BError(BError::kGeneralFailure, u"given up");
+    }
+    static SP<BSmartObj> Refuse(BArchive& archive, int version) {
+        ArchiveItem::Read(archive, version);
+        return nullptr;
+    }
+};
+bool const givingUpRegistered = [] {
+    RegisterArchiveCallback("class ThrowingItem", &GivingUp::Throw);
+    RegisterArchiveCallback("class RefusingItem", &GivingUp::Refuse);
+    return true;
+}();
+
+TEST_F(ObjectArchive, FilesThatLieAboutLengthsAreRefusedWhole) {
+    std::string const good = Record("1", "a", "class ArchiveItem", 3, ItemData(0, {}, 0, "a"));
+    std::string hostileName = good;
+    hostileName.replace(7, 4, Le32(0xFFFFFFFF)); // the length of the name
+    // A size of -n from a position beyond n would seek back into the records.
+    std::string looping = Record("2", "b", "class ArchiveItem", 3, "");
+    looping.replace(looping.size() - 8, 8, Le64(static_cast<std::uint64_t>(-20)));
+    struct Row {
+        char const* name;
+        std::string bytes;
+        bool good;
+    } const rows[] = {
+        {"sound", Header() + good + good, true},
+        {"a size past the end", Header() + good + good.substr(0, good.size() - 1), false},
+        {"a hostile name length", Header() + hostileName, false},
+        {"a header cut before its format", Header().substr(0, Header().size() - 4), false},
+        {"a negative size", Header() + good + looping, false},
+    };
+    for (Row const& row : rows)
+        EXPECT_EQ(Open(row.bytes)->IsGood(), row.good) << row.name;
+}
+
+TEST_F(ObjectArchive, AReadFunctionThatThrowsLeavesNoNumberBehind) {
+    auto in =
+        Open(Header() + Record("1", "tree", "class ArchiveItem", 3, ItemData(0, {2, 3}, 0, "r")) +
+             Record("2", "", "class ThrowingItem", 3, ItemData(0, {3}, 1, "t")) +
+             Record("3", "", "class ArchiveItem", 3, ItemData(0, {}, 1, "c")));
+    EXPECT_THROW(in->TakeOut("tree"), BError);
+    // The half-done load is taken up by the next call: the root is resolved, and the child
+    // that could not be built comes out null rather than as a number.
+    SP<ArchiveItem> root(in->TakeOut("tree"));
+    ASSERT_TRUE(root);
+    EXPECT_EQ(Kids(*root), "<null> c"); // c was still in the later list, loaded now
+    EXPECT_EQ(root->m_updates, 1);
+}
+
+TEST_F(ObjectArchive, ReadFunctionsThatRefuseEachOtherEndTheLoad) {
+    auto in = Open(Header() + Record("1", "a", "class RefusingItem", 3, ItemData(2, {}, 0, "a")) +
+                   Record("2", "b", "class RefusingItem", 3, ItemData(1, {}, 0, "b")));
+    EXPECT_FALSE(in->TakeOut("a"));
+    EXPECT_FALSE(in->TakeOut("b"));
+}
+
+} // namespace

@@ -40,7 +40,6 @@ public:
     bool Force64bitFormat() const override { return false; }
 
     std::string const& Bytes() const { return m_bytes; }
-    std::size_t Left() const { return m_bytes.size() - m_read; }
     bool m_good = true;
 
 private:
