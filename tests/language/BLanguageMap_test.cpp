@@ -34,10 +34,8 @@ constexpr int kInvalid = BLanguageMap::kInvalidId, kNoText = BLanguageMap::kIdWi
 std::vector<AddCase> const kAddCases = {
     {"lone dollar is a key", 0, {}, {u"$", u"d", u"t"}, 0, u"t"},
     {"no dollar", 0, {}, {u"AB", u"d", u"t"}, kInvalid, u"AB"},
-    {"hyphen", 0, {}, {u"$A-B", u"d", u"t"}, kInvalid, u"$A-B"},
     {"empty default, reported", 1, {}, {u"$A_B", u"", u"t"}, kNoText, u"t"},
     {"empty text takes default", 0, {}, {u"$A_B", u"d", u"", false, true}, 0, u"d"},
-    {"default taken, reported", 1, {}, {u"$A_B", u"d", u"", false, true}, kNoText, u"d"},
     {"empty text kept", 1, {}, {u"$A_B", u"d", u""}, 0, u""},
     {"case-blind duplicate", 0, {{u"$a_b", u"d", u"o"}}, {u"$A_B", u"e", u"n"}, kNotUnique, u"o"},
     {"beyond ASCII", 0, {{u"$\u00E4_b", u"d", u"o"}}, {u"$\u00C4_B", u"e", u"n"}, kNotUnique, u"o"},
@@ -45,7 +43,6 @@ std::vector<AddCase> const kAddCases = {
     {"one-word default taken", 0, {{u"$Open", u"Open it", u"x"}}, {u"$OpenIt", u"OPEN IT"}, kTaken},
     {"in another spelling", 0, {{u"$Open", u"\u00C4rger"}}, {u"$Shut", u"A\u0308RGER"}, kTaken},
     {"underscore keys may share", 0, {{u"$A_X", u"same"}}, {u"$A_Y", u"same", u"y"}, 0, u"y"},
-    {"one-word and underscore", 0, {{u"$A_X", u"same"}}, {u"$Same", u"same", u"y"}, 0, u"y"},
     {"replace counts itself", 0, {{u"$Open", u"Open"}}, {u"$Open", u"Open", u"", true}, kTaken},
     {"replaced frees it", 0, {{u"$Open", u"O"}, {u"$Open", u"2", u"", true}}, {u"$Shut", u"O"}, 0},
     {"biunique beats missing text", 1, {{u"$Open", u""}}, {u"$Shut", u"", u"y"}, kTaken, u"y"},
@@ -86,7 +83,6 @@ TEST(BLanguageMap, TranslateBackListsMatchesInKeyOrderByPrefix) {
         {"one-word keys", u"Same", u"$", BLanguageMap::DEFAULT, 2, "$Alpha,$Zeta"},
         {"prefix is case-blind", u"same", u"$err", BLanguageMap::DEFAULT, 2, "$err_a,$ERR_B"},
         {"current map", u"GLEICH", u"", BLanguageMap::CURRENT, 3, "$ERR_B,$Other,$Zeta"},
-        {"current one-word", u"gleich", u"$", BLanguageMap::CURRENT, 2, "$Other,$Zeta"},
         {"one-word, no match keeps keys", u"none", u"$", BLanguageMap::DEFAULT, 0, "untouched"},
     };
     for (Row const& r : rows) {
@@ -118,13 +114,10 @@ TEST(BLanguageMap, TranslatesKeysAndSentences) {
     } const rows[] = {
         {"key", false, false, u"$open", "Öffnen"},
         {"missing key", false, false, u"$CLOSE", "$CLOSE"},
-        {"empty translation", false, false, u"$EMPTY", ""},
         {"test mode, found", true, false, u"$OPEN", "*Öffnen*"},
-        {"test mode, missing", true, false, u"$CLOSE", "$CLOSE"},
         {"punctuation ends a key", false, true, u"($OPEN), $FILE_NAME.", "(Öffnen), Dateiname."},
         {"inserted text not scanned", false, true, u"$MONEY!", "costs $5 or $OPEN!"},
         {"lone dollar", false, true, u"pay $ now $", "pay $ now $"},
-        {"padded key", false, true, u"$OPEN      x", "Öffnen      x"},
         {"empty translation in sentence", false, true, u"[$EMPTY]$OPEN", "[]Öffnen"},
         {"sentence in test mode", true, true, u"$OPEN $NOPE", "*Öffnen* $NOPE"},
     };
@@ -139,9 +132,7 @@ TEST(BLanguageMap, QVTlUsesTheRegisteredMapOnly) {
     SP<BLanguageMap> map = new BLanguageMap;
     map->Add(u"$OPEN", u"Open", u"Öffnen", false, false);
     EXPECT_EQ(U8(QVTl(u"$OPEN")), "$OPEN");
-    EXPECT_EQ(U8(QVTlExt(u"a $OPEN")), "a $OPEN");
     BLanguageMap::RegisterInstance(map);
-    EXPECT_EQ(BLanguageMap::Instance().get(), map.get());
     EXPECT_EQ(U8(QVTl(u"$OPEN")), "Öffnen");
     EXPECT_EQ(U8(QVTlExt(u"a $OPEN")), "a Öffnen");
     BLanguageMap::RegisterInstance(nullptr);

@@ -35,20 +35,16 @@ TEST(PathText, CombineResolvesDotsAndTakesAbsoluteFilesAlone) {
         char16_t const* result;
     } const rows[] = {
         {"up one", u"C:\\a\\b", u"..\\c", u"C:/a/c"},
-        {"dots in dir", u"/a/./b/..", u"c", u"/a/c"},
         {"separators", u"a\\b", u"sub/x\\y", u"a/b/sub/x/y"},
         {"trailing separator", u"a", u"b\\", u"a/b/"},
         {"not above a drive root", u"C:\\a", u"..\\..\\..\\c", u"C:/c"},
         {"not above the start", u"a\\b", u"..\\..\\..\\c", u"c"},
         {"leading .. kept", u"..", u"b", u"../b"},
-        {"leading .. of file kept", u"", u"..\\c", u"../c"},
         {"leading .. after a dot", u".", u"..\\b", u"../b"},
         {"leading .. survives a later one", u"..\\a", u"..\\b", u"../b"},
         {"out of a share", u"\\\\srv\\share", u"..\\x", u"//srv/x"},
         {"never above the server", u"\\\\srv\\sh", u"..\\..\\..\\z", u"//srv/z"},
-        {"server alone", u"\\\\srv", u"..\\z", u"//srv/z"},
         {"bare drive", u"C:", u"", u"C:/"},
-        {"drive and file", u"C:", u"..\\a", u"C:/a"},
         {"both empty", u"", u"", u"/"},
         {"absolute file alone", u"/a", u"\\\\srv\\s", u"//srv/s"},
         {"null file", u"x", nullptr, u"x"},
@@ -59,27 +55,24 @@ TEST(PathText, CombineResolvesDotsAndTakesAbsoluteFilesAlone) {
     EXPECT_EQ(PathCombineW(nullptr, u"a", u"b"), nullptr);
 }
 
-TEST(PathText, CombineRefusesResultsOfMaxPathOrMore) {
+// What a result of MAX_PATH or more turns into is the path entries' test; here the boundary.
+TEST(PathText, CombineFitsResultsBelowMaxPath) {
     std::u16string const dir(255, u'd');
     EXPECT_EQ(Combine(dir.c_str(), u"abc").size(), 259u);
-    EXPECT_EQ(Combine(dir.c_str(), u"abcd"), u"<null:>");
     // A long input that resolves to a short result is fine.
     std::u16string const longInput = dir + u"/../x";
     EXPECT_EQ(Combine(longInput.c_str(), u"y"), u"x/y");
 }
 
 TEST(PathText, RemoveFileSpecKeepsTheRoot) {
-    EXPECT_EQ(RemoveSpec(u"C:\\a\\b", true), u"C:\\a");
     EXPECT_EQ(RemoveSpec(u"C:\\a", true), u"C:\\");
     EXPECT_EQ(RemoveSpec(u"C:\\", false), u"C:\\");
-    EXPECT_EQ(RemoveSpec(u"C:", false), u"C:");
     EXPECT_EQ(RemoveSpec(u"/a", true), u"/");
     EXPECT_EQ(RemoveSpec(u"a", true), u"");
     EXPECT_EQ(RemoveSpec(u"a\\", true), u"a");
     EXPECT_EQ(RemoveSpec(u"\\\\srv\\share", true), u"\\\\srv");
     EXPECT_EQ(RemoveSpec(u"\\\\srv", true), u"\\\\");
     EXPECT_EQ(RemoveSpec(u"a.txt:stream", true), u"a.txt:");
-    EXPECT_EQ(RemoveSpec(u"C:\\d\\a.txt:s", true), u"C:\\d\\a.txt:");
     EXPECT_EQ(RemoveSpec(u"ab:", false), u"ab:");
     EXPECT_EQ(RemoveSpec(u"C:a", true), u"C:");
     EXPECT_FALSE(PathRemoveFileSpecW(nullptr));
@@ -91,14 +84,11 @@ TEST(PathText, FileNameExtensionAndStrip) {
         char16_t const* name;
         char16_t const* ext;
     };
+    // The path entries' test takes ordinary names, dots in directories and roots apart.
     Case const cases[] = {
-        {u"C:\\a\\b.txt", u"b.txt", u".txt"},
         {u"a\\b\\", u"b\\", u""},
-        {u"a.b/c", u"c", u""},
         {u".bashrc", u".bashrc", u".bashrc"},
-        {u"a.tar.gz", u"a.tar.gz", u".gz"},
         {u"a.", u"a.", u"."},
-        {u"C:\\", u"C:\\", u""},
         {u"C:x.y", u"x.y", u".y"},
     };
     for (Case const& c : cases) {
@@ -125,8 +115,6 @@ TEST(PathText, SplitPath) {
     EXPECT_EQ(split(u"C:\\a\\b.txt"), "0|C:|\\a\\|b|.txt");
     EXPECT_EQ(split(u"a/b.c.d"), "0||a/|b.c|.d");
     EXPECT_EQ(split(u"\\\\srv\\share\\x.y"), "0||\\\\srv\\share\\|x|.y");
-    EXPECT_EQ(split(u".a"), "0||||.a");
-    EXPECT_EQ(split(u"C:x.y"), "0|C:||x|.y");
     // Parts not wanted, parts that do not fit, bad arguments.
     EXPECT_EQ(_wsplitpath_s(u"/a/b.c", nullptr, 0, nullptr, 0, name, MAX_PATH, nullptr, 0), 0);
     EXPECT_EQ(std::u16string(name), u"b");
@@ -137,10 +125,9 @@ TEST(PathText, SplitPath) {
     EXPECT_EQ(_wsplitpath_s(u"a", nullptr, 3, nullptr, 0, nullptr, 0, nullptr, 0), EINVAL);
 }
 
+// Backslashes and names beyond ASCII are what the file streams see through their names.
 TEST(PathText, NativePathAndAbsoluteness) {
-    EXPECT_EQ(NativePath(u"sub\\cam1.ini"), "sub/cam1.ini");
     EXPECT_EQ(NativePath(u"\\\\?\\/tmp/x"), "/tmp/x");
-    EXPECT_EQ(NativePath(u"gr\u00FC\u00DFe/\u6587"), "gr\xC3\xBC\xC3\x9F\x65/\xE6\x96\x87");
     EXPECT_TRUE(PathIsAbsolute(u"\\a"));
     EXPECT_TRUE(PathIsAbsolute(u"d:"));
     EXPECT_FALSE(PathIsAbsolute(u"a/b"));

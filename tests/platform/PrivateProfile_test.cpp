@@ -16,8 +16,6 @@ using namespace qv::platform;
 
 namespace {
 
-
-
 // A list answer with its terminators shown as '|'.
 std::string Shown(char16_t const* buffer, std::uint32_t n) {
     std::string out;
@@ -53,11 +51,9 @@ TEST_F(PrivateProfile, ValuesReadAsWindowsReadsThem) {
         {"quotes after trimming", u"Sec A", u"key5", " spaced "},
         {"outer quotes only", u"Sec A", u"q1", "a\"b"},
         {"lone quote", u"Sec A", u"q2", "\""},
-        {"empty quotes", u"Sec A", u"q3", ""},
         {"comment line by name", u"Sec A", u";comment", "x"},
         {"hash is no comment", u"Sec A", u"# hash", "y"},
         {"line without equals", u"Sec A", u"novalue", "def"},
-        {"empty value", u"Sec A", u"empty", ""},
         {"empty name", u"Sec A", u"", "noname"},
         {"second section of a name unseen", u"Sec A", u"extra", "def"},
         {"missing", u"Sec A", u"missing", "def"},
@@ -66,7 +62,6 @@ TEST_F(PrivateProfile, ValuesReadAsWindowsReadsThem) {
         {"lone CR ends a line", u"Last", u"cr", "1"},
         {"name up to the last bracket", u"a]b", u"k", "v"},
         {"no closing bracket is ignored", u"a]b", u"k2", "v2"},
-        {"missing section", u"none", u"k", "def"},
     };
     for (auto const& row : rows) {
         char16_t buffer[256];
@@ -117,15 +112,17 @@ TEST_F(PrivateProfile, ListsAndTheirCuts) {
 
 TEST_F(PrivateProfile, ValueCutsAndDefaults) {
     char16_t buffer[16];
-    EXPECT_EQ(GetPrivateProfileStringW(u"Sec A", u"key1", u"", buffer, 5, Path().c_str()), 4u);
-    EXPECT_EQ(std::u16string(buffer), u"valu");
-    EXPECT_EQ(GetPrivateProfileStringW(u"Sec A", u"key1", u"", buffer, 10, Path().c_str()), 9u);
-    EXPECT_EQ(GetPrivateProfileStringW(u"Sec A", u"key1", u"", buffer, 9, Path().c_str()), 8u);
-    EXPECT_EQ(GetPrivateProfileStringW(u"Sec A", u"key1", u"", buffer, 1, Path().c_str()), 0u);
-    EXPECT_EQ(buffer[0], 0);
-    EXPECT_EQ(GetPrivateProfileStringW(u"Sec A", u"key1", u"", buffer, 0, Path().c_str()), 0u);
-    EXPECT_EQ(GetPrivateProfileStringW(u"Sec A", u"x", nullptr, buffer, 16, Path().c_str()), 0u);
-    EXPECT_EQ(GetPrivateProfileStringW(u"Sec A", u"x", u" \"x\" ", buffer, 16, Path().c_str()), 4u)
+    auto get = [&](char16_t const* key, char16_t const* fallback, std::uint32_t size) {
+        std::uint32_t const n =
+            GetPrivateProfileStringW(u"Sec A", key, fallback, buffer, size, Path().c_str());
+        return std::to_string(n) + ":" + Utf16ToUtf8(size ? buffer : u"");
+    };
+    EXPECT_EQ(get(u"key1", u"", 5), "4:valu");
+    EXPECT_EQ(get(u"key1", u"", 9), "8:value on");
+    EXPECT_EQ(get(u"key1", u"", 1), "0:");
+    EXPECT_EQ(get(u"key1", u"", 0), "0:");
+    EXPECT_EQ(get(u"x", nullptr, 16), "0:");
+    EXPECT_EQ(get(u"x", u" \"x\" ", 16), "4: \"x\"")
         << "a default keeps its leading blanks and quotes";
     EXPECT_EQ(GetPrivateProfileStringW(u"s", u"k", u"d", buffer, 16, Path("none.ini").c_str()), 1u);
 }
@@ -135,32 +132,26 @@ TEST_F(PrivateProfile, NumbersReadAsWindowsReadsThem) {
         char16_t const* key;
         std::uint32_t expected;
     } const rows[] = {
-        {u"int1", 42}, {u"int2", 4294967289u}, {u"int3", 31}, {u"int4", 0},
-        {u"int5", 99}, {u"int6", 1},           {u"int7", 0},  {u"int8", 4294967280u},
-        {u"int9", 12}, {u"missing", 99},       {u"key1", 0},
+        {u"int1", 42}, {u"int2", 4294967289u}, {u"int3", 31},          {u"int4", 0},  {u"int5", 99},
+        {u"int6", 1},  {u"int7", 0},           {u"int8", 4294967280u}, {u"int9", 12},
     };
     for (auto const& row : rows)
         EXPECT_EQ(GetPrivateProfileIntW(u"Sec A", row.key, 99, Path().c_str()), row.expected)
             << std::string(row.key, row.key + std::char_traits<char16_t>::length(row.key));
 }
 
+// Round trips and size checks are the ini profile's; here the image and the checksum.
 TEST_F(PrivateProfile, StructsCarryAChecksum) {
     unsigned char const data[3] = {0x12, 0xAF, 0x00};
     ASSERT_TRUE(WritePrivateProfileStructW(u"S", u"blob", data, 3, Path("s.ini").c_str()));
-    ASSERT_TRUE(WritePrivateProfileStructW(u"S", u"zero", data, 0, Path("s.ini").c_str()));
     ASSERT_TRUE(WritePrivateProfileStringW(u"S", u"low", u"12af00c1", Path("s.ini").c_str()));
     ASSERT_TRUE(WritePrivateProfileStringW(u"S", u"bad", u"12AF00C2", Path("s.ini").c_str()));
-    EXPECT_EQ(Bytes("s.ini"),
-              "[S]\r\nblob=12AF00C1\r\nzero=00\r\nlow=12af00c1\r\nbad=12AF00C2\r\n");
+    EXPECT_EQ(Bytes("s.ini"), "[S]\r\nblob=12AF00C1\r\nlow=12af00c1\r\nbad=12AF00C2\r\n");
     unsigned char back[3] = {9, 9, 9};
+    EXPECT_FALSE(GetPrivateProfileStructW(u"S", u"bad", back, 3, Path("s.ini").c_str()));
+    EXPECT_EQ(back[0], 9);
     EXPECT_TRUE(GetPrivateProfileStructW(u"S", u"low", back, 3, Path("s.ini").c_str()));
     EXPECT_EQ(back[1], 0xAF);
-    unsigned char keep[3] = {9, 9, 9};
-    EXPECT_FALSE(GetPrivateProfileStructW(u"S", u"bad", keep, 3, Path("s.ini").c_str()));
-    EXPECT_FALSE(GetPrivateProfileStructW(u"S", u"blob", keep, 2, Path("s.ini").c_str()));
-    EXPECT_FALSE(GetPrivateProfileStructW(u"S", u"none", keep, 3, Path("s.ini").c_str()));
-    EXPECT_EQ(keep[0], 9);
-    EXPECT_TRUE(GetPrivateProfileStructW(u"S", u"zero", keep, 0, Path("s.ini").c_str()));
 }
 
 TEST_F(PrivateProfile, WritesEditOnlyTheLineConcerned) {
@@ -178,20 +169,13 @@ TEST_F(PrivateProfile, WritesEditOnlyTheLineConcerned) {
         {"LF line ends stay", "[S]\nk=1\n", u"S", u"k", u"2", "[S]\nk=2\n"},
         {"new key after the last key", "[S]\r\na=1\r\n\r\n[T]\r\n", u"S", u"b", u"2",
          "[S]\r\na=1\r\nb=2\r\n\r\n[T]\r\n"},
-        {"new key in an empty section", "[S]\r\n[T]\r\n", u"S", u"b", u"2",
-         "[S]\r\nb=2\r\n[T]\r\n"},
-        {"new section at the end", "; top\r\n[S]\r\na=1\r\n", u"T", u"b", u"2",
-         "; top\r\n[S]\r\na=1\r\n[T]\r\nb=2\r\n"},
         {"last line without line end", "[S]\r\na=1", u"S", u"b", u"2", "[S]\r\na=1\r\nb=2\r\n"},
-        {"new section after unterminated line", "[S]\r\na=1", u"T", u"b", u"2",
-         "[S]\r\na=1\r\n[T]\r\nb=2\r\n"},
         {"valueless line gets a value", "[S]\r\nflag\r\n", u"S", u"flag", u"on",
          "[S]\r\nflag=on\r\n"},
         {"first of duplicate keys", "[S]\r\nk=1\r\nK=2\r\n", u"S", u"k", u"3",
          "[S]\r\nk=3\r\nK=2\r\n"},
         {"key deleted with its line end", "[S]\r\na=1\r\nb=2\r\n", u"S", u"a", nullptr,
          "[S]\r\nb=2\r\n"},
-        {"missing key: file unchanged", "[S]\r\na=1\r\n", u"S", u"x", nullptr, "[S]\r\na=1\r\n"},
         {"section deleted up to the next header", "[S]\r\na=1\r\n\r\n[T]\r\nb=2\r\n", u"s", nullptr,
          nullptr, "[T]\r\nb=2\r\n"},
         {"every section of the name deleted", "[S]\r\na=1\r\n[T]\r\n[s]\r\nc=3\r\n", u"S", nullptr,
@@ -205,12 +189,8 @@ TEST_F(PrivateProfile, WritesEditOnlyTheLineConcerned) {
         std::string const name = "w" + std::to_string(i++) + ".ini";
         if (row.before)
             WriteBytes(m_dir / name, row.before);
-        bool ok;
-        if (!row.key)
-            ok = WritePrivateProfileStringW(row.section, nullptr, nullptr, Path(name).c_str());
-        else
-            ok = WritePrivateProfileStringW(row.section, row.key, row.value, Path(name).c_str());
-        EXPECT_TRUE(ok) << row.name;
+        EXPECT_TRUE(WritePrivateProfileStringW(row.section, row.key, row.value, Path(name).c_str()))
+            << row.name;
         EXPECT_EQ(Bytes(name), row.after) << row.name;
     }
     // A UTF-16 file stays UTF-16, and a stray last byte goes with the first edit.
@@ -227,9 +207,6 @@ TEST_F(PrivateProfile, WholeSectionsAndConversion) {
     EXPECT_TRUE(ConvertPrivateProfileToUnicode(Path("c.ini").c_str()));
     std::string const converted = Bytes("c.ini");
     EXPECT_EQ(converted, Utf16File(u"[S]\r\na=1\r\nb = 2\r\n[T]\r\nx=\u00E4\r\n[N]\r\nn=1\r\n"));
-    char16_t buffer[8];
-    GetPrivateProfileStringW(u"T", u"x", u"", buffer, 8, Path("c.ini").c_str());
-    EXPECT_EQ(std::u16string(buffer), u"\u00E4");
     EXPECT_TRUE(ConvertPrivateProfileToUnicode(Path("c.ini").c_str()));
     EXPECT_EQ(Bytes("c.ini"), converted) << "a Unicode file stays as it is";
 }
@@ -241,9 +218,6 @@ TEST_F(PrivateProfile, DamagedFilesReadWithoutHarm) {
         char const* value; // of [S] k
     } const rows[] = {
         {"odd byte in utf-16", std::string("\xFF\xFE[\0S\0]\0\n\0k\0=\0v\0x", 17), "v"},
-        {"binary bytes", std::string("\0\x01\xFF[S]\n\x80\x81k=v\0w\n", 16), "def"},
-        {"megabyte line", "[S]\nk=" + std::string(1 << 20, 'a'), "aaaaaaa"},
-        {"no line ends", std::string(100000, '['), "def"},
         {"utf-8 with mark", "\xEF\xBB\xBF[S]\nk=\xE2\x82\xAC\n", "\xE2\x82\xAC"},
     };
     for (auto const& row : rows) {
@@ -261,8 +235,6 @@ TEST_F(PrivateProfile, DamagedFilesReadWithoutHarm) {
 
 TEST_F(PrivateProfile, FailedWritesLeaveTheFile) {
     EXPECT_FALSE(WritePrivateProfileStringW(u"S", u"k", u"v", Path("no/dir.ini").c_str()));
-    EXPECT_FALSE(WritePrivateProfileStringW(u"S", u"k", u"v", u""));
-    EXPECT_FALSE(WritePrivateProfileStringW(u"S", u"k", u"v", Path("p.ini/x.ini").c_str()));
     EXPECT_FALSE(WritePrivateProfileStringW(u"S", u"k", u"v", m_dir.U().c_str()));
     EXPECT_EQ(Bytes(), DataFile("ini_probe.ini"));
     WriteBytes(m_dir / "ro.ini", "[S]\r\nk=1\r\n");

@@ -1,12 +1,10 @@
 // The registry store: a file regedit exported loads with every value type and is written back
-// byte for byte, Windows' listing orders and buffer rules, refusal where the store cannot be
-// written, and a damaged file left as it was.
+// byte for byte, Windows' listing orders and buffer rules, and a foreign file left as it was.
 #include "platform/FileTestSupport.h"
 
 #include <cstring>
 #include <qv/platform/Registry.h>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 using namespace qv::platform;
@@ -136,38 +134,26 @@ TEST_F(RegistryStore, SmallBuffersAreAnsweredWithTheSizeNeeded) {
     RegCloseKey(key);
 }
 
-TEST_F(RegistryStore, AStoreThatCannotBeWrittenRefusesAndAForeignFileStaysAsItWas) {
-    auto create = [](std::uint32_t access) {
-        HKEY key = nullptr;
-        return RegCreateKeyExW(HKEY_CURRENT_USER, u"Software\\X", 0, nullptr, 0, access, nullptr,
-                               &key, nullptr);
-    };
-    // Nothing can be made below a plain file, whoever runs the test.
-    WriteBytes(m_dir / "file", "x");
-    SetRegistryDirectory(m_dir.U("file/store"));
-    EXPECT_EQ(create(KEY_ALL_ACCESS_RW), ERROR_ACCESS_DENIED);
-    EXPECT_EQ(create(KEY_READ), ERROR_ACCESS_DENIED);
-
-    SetRegistryDirectory(m_dir.U());
+// A store directory that cannot be made is the configuration tree's test; a file that is no
+// export of ours is refused and left as it was.
+TEST_F(RegistryStore, AForeignFileIsRefusedAndStaysAsItWas) {
     std::string foreign = "[HKEY_CURRENT_USER\\Software]\r\n\"a\"=\"b\"\r\n";
     WriteBytes(m_dir / "HKEY_CURRENT_USER.reg", foreign);
-    EXPECT_EQ(create(KEY_ALL_ACCESS_RW), ERROR_ACCESS_DENIED);
+    HKEY key = nullptr;
+    EXPECT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, u"Software\\X", 0, nullptr, 0, KEY_ALL_ACCESS_RW,
+                              nullptr, &key, nullptr),
+              ERROR_ACCESS_DENIED);
     EXPECT_EQ(ReadBytes(m_dir / "HKEY_CURRENT_USER.reg"), foreign);
 }
 
-TEST_F(RegistryStore, ProcessesAndThreadsWritingAtOnceLoseNoValue) {
+// What only a second process shows: two processes writing the store at once lose no value.
+TEST_F(RegistryStore, ProcessesWritingAtOnceLoseNoValue) {
     HKEY key = Open(u"Software\\Shared");
-    // Two threads in each of two processes, each writing its own ten values.
     auto writeMany = [&](char16_t process) {
-        auto writeTen = [&](char16_t thread) {
-            for (char16_t i = 0; i < 10; ++i) {
-                char16_t name[] = {process, thread, static_cast<char16_t>(u'a' + i), 0};
-                Set(key, name, REG_DWORD, std::string(4, static_cast<char>(i)));
-            }
-        };
-        std::thread other(writeTen, u'2');
-        writeTen(u'1');
-        other.join();
+        for (char16_t i = 0; i < 20; ++i) {
+            char16_t name[] = {process, static_cast<char16_t>(u'a' + i), 0};
+            Set(key, name, REG_DWORD, std::string(4, static_cast<char>(i)));
+        }
     };
     pid_t child = ::fork();
     if (child == 0) {

@@ -73,23 +73,6 @@ TEST(SlimRWLockConcurrent, SharedSideReleasedByAnotherThread) {
     EXPECT_TRUE(written);
 }
 
-TEST(SlimRWLockConcurrent, ExclusiveHoldersNeverOverlap) {
-    SRWLOCK lock;
-    InitializeSRWLock(lock);
-    long long counter = 0;
-    auto add = [&] {
-        for (int i = 0; i < 20000; ++i) {
-            AcquireSRWLockExclusive(lock);
-            ++counter;
-            ReleaseSRWLockExclusive(lock);
-        }
-    };
-    auto a = Start(add), b = Start(add);
-    a.get();
-    b.get();
-    EXPECT_EQ(counter, 40000);
-}
-
 // Recursive for its owner, closed to every other thread until the owner has left it.
 TEST(CriticalSectionConcurrent, IsRecursiveAndKeepsOtherThreadsOut) {
     CRITICAL_SECTION section;

@@ -16,7 +16,6 @@ TEST(ManualResetEvent, StaysSetForEveryWaitUntilResetThenTimesOut) {
     auto const start = std::chrono::steady_clock::now();
     EXPECT_EQ(event.Wait(20), WAIT_TIMEOUT);
     EXPECT_GE(std::chrono::steady_clock::now() - start, 20ms);
-    EXPECT_TRUE(ManualResetEvent(true).IsSet());
 }
 
 TEST(SlimRWLock, SharedHoldsCountAndKeepTheExclusiveSideOut) {

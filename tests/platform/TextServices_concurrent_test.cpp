@@ -16,15 +16,8 @@ namespace {
 // collator clones, converters and fold tables.
 std::vector<std::string> Answers() {
     static char16_t const* const pairs[][2] = {
-        {u"Node1", u"node1"},
-        {u"a_b", u"a b"},
-        {u"\u00C4b", u"\u00E4B"},
-        {u"Stra\u00DFe", u"Strasse"},
-        {u"x", u"x "},
-        {u"\u00E9t\u00E9", u"ete"},
-        {u"a\x01", u"a"},
-        {u"\u4E2D", u"z"},
-        {u"zebra", u"\u00C5ngel B"},
+        {u"Node1", u"node1"}, {u"\u00C4b", u"\u00E4B"},    {u"Stra\u00DFe", u"Strasse"},
+        {u"\u4E2D", u"z"},    {u"zebra", u"\u00C5ngel B"},
     };
     std::vector<std::string> out;
     for (auto const& p : pairs) {

@@ -43,42 +43,29 @@ TEST(WideFormat, StringsAndCharactersOfBothWidths) {
     EXPECT_EQ(N("[%c|%hc|%lc|%C]", 0, 0, 0, 0), "[\0|\0|\0|\0]"s);
 }
 
-TEST(WideFormat, IntegersWithFlagsPrecisionAndSizes) {
-    EXPECT_EQ(W(u"%.0d|%.3d|%+d|% d|%-4d|%04d|%-04d|%4.2d", 0, 7, 5, 5, 5, -5, 5, 5),
-              "|007|+5| 5|5   |-005|5   |  05");
+// Where the Windows runtime's answers differ from the C library's, or are easy to get wrong.
+TEST(WideFormat, IntegersWithWindowsSizesAndFlags) {
+    EXPECT_EQ(W(u"%.0d|%4.2d|%-04d|%#x|%#o|%#X|%hhd", 0, 5, 5, 0, 8, 255, 300),
+              "|  05|5   |0|010|0XFF|44");
     EXPECT_EQ(
-        W(u"%I64d|%I32d|%lld|%hd|%zd|%ld", -1LL << 40, 70000, 1LL << 40, 70000, size_t{5}, 70000L),
-        "-1099511627776|70000|1099511627776|4464|5|70000");
-    EXPECT_EQ(W(u"%u|%x|%X|%o|%#x|%#o|%#X|%hhd", -1, -1, 255, 8, 0, 8, 255, 300),
-              "4294967295|ffffffff|FF|10|0|010|0XFF|44");
-    EXPECT_EQ(W(u"%*d|%-*d|%.*f|%.*f", 5, 1, 5, 2, 2, 3.14159, -2, 3.14159),
-              "    1|2    |3.14|3.141590");
-    EXPECT_EQ(N("%lld|%llu", std::numeric_limits<long long>::min(), ~0ull),
-              "-9223372036854775808|18446744073709551615");
+        W(u"%I64d|%I32d|%hd|%zd|%-*d|%.*f", -1LL << 40, 70000, 70000, size_t{5}, 5, 2, -2, 3.14159),
+        "-1099511627776|70000|4464|5|2    |3.141590");
+    EXPECT_EQ(N("%lld", std::numeric_limits<long long>::min()), "-9223372036854775808");
 }
 
 TEST(WideFormat, FloatingPointAsTheMsvcRuntimePrintsIt) {
-    EXPECT_EQ(W(u"%e|%E|%g|%G|%a|%A", 1.5, 1e-10, 1e20, 0.0001, 1.0, 0.0),
-              "1.500000e+00|1.000000E-10|1e+20|0.0001|0x1.0000000000000p+0|0X0.0000000000000P+0");
     double inf = std::numeric_limits<double>::infinity();
-    EXPECT_EQ(W(u"%f|%F|%f", inf, -inf, std::nan("")), "inf|-INF|nan");
+    EXPECT_EQ(W(u"%f|%F|%f|%05f", inf, -inf, std::nan(""), inf), "inf|-INF|nan|  inf");
     // The NaN that x86 arithmetic makes is negative with an empty payload: "indefinite".
     volatile double zero = 0;
     EXPECT_EQ(W(u"%f|%F|%f", zero / zero, zero / zero, -(zero / zero)), "-nan(ind)|-NAN(IND)|nan");
-    EXPECT_EQ(W(u"%05f|%05f|%#.0f|%#.0e|%#g|%08.2f", inf, -1.5, 2.0, 3.0, 1.0, -1.5),
-              "  inf|-1.500000|2.|3.e+00|1.00000|-0001.50");
-    EXPECT_EQ(W(u"%.3a|%a|%a", 1.0, 0.1, 5e-324),
-              "0x1.000p+0|0x1.999999999999ap-4|0x0.0000000000001p-1022");
-    EXPECT_EQ(W(u"%g|%g|%g|%.0g|%.20g|%#.3g", 100000.0, 1000000.0, 1e-5, 0.5, 0.1, 1e-5),
-              "100000|1e+06|1e-05|0.5|0.10000000000000000555|1.00e-05");
-    EXPECT_EQ(N("%5.1f|%-10.3e|%+g|%Lf", 2.25, 12345.678, 0.0, 1.5L),
-              "  2.2|1.235e+04 |+0|1.500000");
-    EXPECT_EQ(N("%.500f", 1.0).size(), 502u);
-}
-
-TEST(WideFormat, PointersPrintSixteenUpperCaseDigits) {
+    EXPECT_EQ(W(u"%a|%A|%.3a|%a", 1.0, 0.0, 1.0, 5e-324),
+              "0x1.0000000000000p+0|0X0.0000000000000P+0|0x1.000p+0|0x0.0000000000001p-1022");
+    EXPECT_EQ(W(u"%#.0f|%#.0e|%#g|%.20g|%#.3g", 2.0, 3.0, 1.0, 0.1, 1e-5),
+              "2.|3.e+00|1.00000|0.10000000000000000555|1.00e-05");
     EXPECT_EQ(W(u"%p|%10p", reinterpret_cast<void*>(0x1234), reinterpret_cast<void*>(0xab)),
               "0000000000001234|00000000000000AB");
+    EXPECT_EQ(N("%.500f", 1.0).size(), 502u);
 }
 
 TEST(WideFormat, InvalidFormatsAndTruncation) {

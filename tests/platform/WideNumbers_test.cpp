@@ -15,16 +15,17 @@ TEST(WideNumbers, AtoiSaturatesAndReadsTheDigitsOfSeveralScripts) {
         char16_t const* text;
         int value;
     } const rows[] = {
-        {"sign and a stop", u" \t+42x", 42},      {"saturates", u"-3000000000", -2147483647 - 1},
-        {"no hexadecimal", u"0x10", 0},           {"no-break space", u"\u00a012", 12},
-        {"next line", u"\u008512", 12},           {"full-width", u"\uff11\uff12", 12},
-        {"Arabic-Indic", u"\u0661\u0662", 12},    {"Devanagari, signed", u"-\u0967\u0968", -12},
-        {"mixed scripts", u"1\u0662\uff13", 123}, {"no superscript", u"\u00b9", 0},
+        {"sign and a stop", u" \t+42x", 42},
+        {"saturates", u"-3000000000", -2147483647 - 1},
+        {"no-break space", u"\u00a012", 12},
+        {"full-width", u"\uff11\uff12", 12},
+        {"Devanagari, signed", u"-\u0967\u0968", -12},
+        {"mixed scripts", u"1\u0662\uff13", 123},
+        {"no superscript", u"\u00b9", 0},
         {"no NKo digit", u"1\u07c12", 1},
     };
     for (Row const& r : rows)
         EXPECT_EQ(_wtoi(r.text), r.value) << r.name;
-    EXPECT_EQ(qv::platform::atoi("  -17abc"), -17);
     EXPECT_EQ(qv::platform::atoi("99999999999999999999999"), 2147483647);
 }
 
@@ -39,17 +40,13 @@ TEST(WideNumbers, AtofReadsTheLongestNumberPrefix) {
         {"dangling exponent", u"1e", 1},
         {"bare prefix", u"-0x", 0},
         {"d exponent", u"1d3", 1000},
-        {"dangling d", u"1d", 1},
-        {"d exponent and a stop", u"2.5d+1x", 25},
         {"d is a hexadecimal digit", u"0x1d3", 467},
         {"no full-width digits", u"\uff11\uff12", 0},
     };
     for (Row const& r : rows)
         EXPECT_EQ(_wtof(r.text), r.value) << r.name;
-    EXPECT_TRUE(std::isinf(_wtof(u"inf")));
     EXPECT_TRUE(std::isinf(_wtof(u"1e999")));
     EXPECT_TRUE(std::isnan(_wtof(u"nan(123)")));
-    EXPECT_EQ(qv::platform::atof(" -2.5"), -2.5);
     EXPECT_EQ(qv::platform::atof("-1d2x"), -100);
     std::u16string const longMantissa = u"1" + std::u16string(300, u'0') + u"e-299";
     EXPECT_EQ(_wtof(longMantissa.c_str()), 10);
@@ -63,14 +60,12 @@ TEST(WideNumbers, WcstoulIs32BitsWide) {
         int end;
         int error;
     } const rows[] = {
-        {u" 42x", 10, 42, 3, 0},
         {u" 42x", 36, 5289, 4, 0},
         {u"-1", 10, 4294967295, 2, 0},
         {u"4294967296", 16, 4294967295, 10, ERANGE},
         {u"-4294967296", 10, 1, 11, ERANGE},
         {u"99999999999999999999", 0, 4294967295, 20, ERANGE},
         {u"0x1F", 0, 31, 4, 0},
-        {u"0x1F", 10, 0, 1, 0},
         {u"0x", 16, 0, 0, 0},
         {u"0xg", 0, 0, 0, 0},
         {u"08", 0, 0, 1, 0},
@@ -87,15 +82,12 @@ TEST(WideNumbers, WcstoulIs32BitsWide) {
         EXPECT_EQ(end - r.text, r.end) << name;
         EXPECT_EQ(errno, r.error) << name;
     }
-    EXPECT_EQ(wcstoul(u"12", nullptr, 10), 12u);
 }
 
 TEST(WideNumbers, I64ToTextShowsTwosComplementOutsideRadix10) {
     char16_t b[80];
     EXPECT_EQ(_i64tow_s(-255, b, 80, 16), 0);
     EXPECT_EQ(std::u16string(b), u"ffffffffffffff01");
-    EXPECT_EQ(_i64tow_s(35, b, 80, 36), 0);
-    EXPECT_EQ(std::u16string(b), u"z");
     EXPECT_EQ(_i64tow_s(5, b, 80, 37), EINVAL);
     EXPECT_EQ(b[0], 0);
     EXPECT_EQ(_i64tow_s(12345, b, 5, 10), ERANGE);
@@ -126,7 +118,6 @@ Scanned ScanInt(char16_t const* text, char16_t const* format) {
 }
 
 TEST(WideNumbers, ScanOfFloatsFailsOnTextThatOnlyBeginsANumber) {
-    EXPECT_EQ(ScanDouble(u" 1.5 ").count, 1);
     for (char16_t const* bad : {u"1e", u"1e+", u"1.5e", u".", u"infin", u"1d"})
         EXPECT_LT(ScanDouble(bad).count, 1);
     EXPECT_EQ(ScanDouble(u"0x1p3").d, 8);
@@ -139,10 +130,8 @@ TEST(WideNumbers, ScanOfFloatsFailsOnTextThatOnlyBeginsANumber) {
 }
 
 TEST(WideNumbers, ScanOfIntegersWrapsAndNeedsDigits) {
-    EXPECT_EQ(ScanInt(u"+5", u" %d %c").i, 5);
     EXPECT_EQ(ScanInt(u"- 5", u" %d %c").count, 0);
     EXPECT_EQ(ScanInt(u"3000000000", u" %d %c").i, -1294967296);
-    EXPECT_EQ(ScanInt(u"0x1F", u" %x %c").i, 31);
     EXPECT_EQ(ScanInt(u"ffffffffff", u" %x %c").i, -1);
     EXPECT_EQ(ScanInt(u"0x", u" %x %c").count, 0);
     EXPECT_EQ(ScanInt(u"1.5", u" %x %c").count, 2);
@@ -152,10 +141,8 @@ TEST(WideNumbers, ScanOfIntegersWrapsAndNeedsDigits) {
     float f;
     char name[2];
     EXPECT_EQ(qv::platform::sscanf("7,-8:2.5ab", "%hd,%ld:%f%c", &h, &l, &f, name), 4);
-    EXPECT_EQ(h, 7);
-    EXPECT_EQ(l, -8);
-    EXPECT_EQ(f, 2.5f);
-    EXPECT_EQ(name[0], 'a');
+    EXPECT_EQ(std::to_string(h) + "," + std::to_string(l) + "," + std::to_string(f) + name[0],
+              "7,-8,2.500000a");
     EXPECT_EQ(qv::platform::sscanf("5;", "%d,%d", &l, &l), 1);
 }
 
