@@ -70,9 +70,10 @@ TEST(Sha1, PublishedVectorsOnEveryEngineWholeAndInPieces) {
         for (auto const& v : vectors)
             for (std::size_t piece :
                  {std::string::npos, std::size_t{1}, std::size_t{63}, std::size_t{65}})
-                if (piece != 1 || v.message.size() < 1000)
+                if (piece != 1 || v.message.size() < 1000) {
                     EXPECT_EQ(Digest(engine.compress, v.message, piece), v.digest)
                         << engine.name << ": " << v.name << " in pieces of " << piece;
+                }
 }
 
 TEST(Sha1, LengthOverflowIsFlagged) {

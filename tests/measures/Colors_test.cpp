@@ -89,6 +89,7 @@ TEST(Colors, BytesWrapAndCompareInAllChannels) {
         bool holds;
     } const cases[] = {
         {"a byte wraps", BRgb(200, 10, 10) + 100 == BRgb(44, 110, 110)},
+        {"memory order blue, green, red", Memory(BRgb(1, 2, 3)) == "\3\2\1"},
         {"memory order alpha, blue, green, red", Memory(BRgba(1, 2, 3, 4)) == "\4\3\2\1"},
         {"ColorRef both ways", packed == BRgb(0x11, 0x22, 0x33) && packed.ColorRef() == 0x332211ul},
         {"neither less nor greater",
