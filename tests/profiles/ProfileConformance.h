@@ -198,25 +198,20 @@ TYPED_TEST_P(ProfileConformance, FallbackWritesStoreTheCallersValue) {
     if (!StoreTraits<TypeParam>::kWritesMissing)
         GTEST_SKIP() << "this store cannot be built to write fallbacks";
     auto p = this->Make(true);
-    WString text(u"dflt");
-    EXPECT_FALSE(p->Read(u"t", text));
-    EXPECT_EQ(U8(p->GetString(u"t", WString())), "dflt");
-    WString none;
-    EXPECT_FALSE(p->Read(u"n", none));
-    EXPECT_EQ(static_cast<IProfile&>(*p).GetAllKeys().Count(), 1u)
-        << "an empty caller's text stores nothing";
-
-    ASSERT_TRUE(p->WriteString(u"i", u"abc"));
+    ASSERT_TRUE(p->WriteString(u"i", u"abc") && p->WriteString(u"b", u"maybe"));
+    WString text(u"dflt"), none;
     int i = 5;
-    EXPECT_FALSE(p->Read(u"i", i, IProfile::kNoMin, IProfile::kNoMax));
-    EXPECT_EQ(U8(p->GetString(u"i", WString())), "5") << "bad text replaced";
-    ASSERT_TRUE(p->WriteString(u"b", u"maybe"));
     bool b = true;
-    EXPECT_FALSE(p->Read(u"b", b));
-    EXPECT_EQ(U8(p->GetString(u"b", WString())), "maybe") << "bad bool text stays";
     float f = 1.5f;
-    EXPECT_FALSE(p->Read(u"f", f));
-    EXPECT_EQ(U8(p->GetString(u"f", WString())), "1.5");
+    EXPECT_FALSE(p->Read(u"t", text) || p->Read(u"n", none) ||
+                 p->Read(u"i", i, IProfile::kNoMin, IProfile::kNoMax) || p->Read(u"b", b) ||
+                 p->Read(u"f", f));
+    EXPECT_EQ(U8(p->GetString(u"t", WString()) + u"|" + p->GetString(u"i", WString()) + u"|" +
+                 p->GetString(u"b", WString()) + u"|" + p->GetString(u"f", WString())),
+              "dflt|5|maybe|1.5")
+        << "bad number text replaced, bad bool text left";
+    EXPECT_EQ(static_cast<IProfile&>(*p).GetAllKeys().Count(), 4u)
+        << "an empty caller's text stores nothing";
     ASSERT_TRUE(p->WriteString(u"e", u""));
     EXPECT_TRUE(p->GetString(u"e", u"def").IsEmpty());
     EXPECT_EQ(U8(p->GetString(u"e", WString())), "def") << "present and empty takes the default";
