@@ -1,38 +1,27 @@
-// A dispatcher for suites that check what the library posts: it records every message, from
-// any thread, and answers nothing. Register it with MessageCounter::Install and the fixture's
-// destructor takes it out again.
+// The operation suites' recording dispatcher for the suites that check what the library posts:
+// it answers nothing, and Take hands over what was recorded since the last Take. Register one
+// with MessageCounter::Installed for a scope.
 #pragma once
 
-#include <mutex>
-#include <qv/operations/BDispatcher.h>
+#include "operations/RecordingDispatcher.h"
+
+#include <cstddef>
 #include <utility>
 #include <vector>
 
-class MessageCounter : public BDispatcher {
+class MessageCounter : public operations_test::RecordingDispatcher {
 public:
-    struct Message {
-        unsigned int number;
-        unsigned long long param1, param2;
-        bool posted;
-    };
+    using Message = operations_test::Message;
+    MessageCounter() : RecordingDispatcher(false) { answer = false; }
 
-    bool Send(unsigned int m, unsigned long long p1, unsigned long long p2) override {
-        return Record({m, p1, p2, false});
-    }
-    bool Post(unsigned int m, unsigned long long p1, unsigned long long p2) override {
-        return Record({m, p1, p2, true});
-    }
-    unsigned long ThreadId() override { return 0xFFFFFFFF; }
-    bool Subscribe(BMessageReceiver*) override { return false; }
-    bool Unsubscribe(BMessageReceiver*) override { return false; }
-
-    // The messages so far, and none from now on.
+    // The messages so far, and none from now on; for the test's own thread.
     std::vector<Message> Take() {
-        std::lock_guard lock(m_mutex);
-        return std::exchange(m_messages, {});
+        std::vector<Message> const all = Messages();
+        std::size_t const from = std::exchange(m_taken, all.size());
+        return {all.begin() + static_cast<std::ptrdiff_t>(from), all.end()};
     }
 
-    // Registers a new counter for the life of the returned guard.
+    // Registers a new counter for the life of the guard.
     struct Installed {
         SP<MessageCounter> counter{new MessageCounter};
         Installed() { BDispatcher::RegisterDispatcher(counter); }
@@ -43,12 +32,5 @@ public:
     };
 
 private:
-    bool Record(Message message) {
-        std::lock_guard lock(m_mutex);
-        m_messages.push_back(message);
-        return false;
-    }
-
-    std::mutex m_mutex;
-    std::vector<Message> m_messages;
+    std::size_t m_taken = 0;
 };

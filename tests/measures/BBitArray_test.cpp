@@ -4,12 +4,10 @@
 #include "persistence/MemoryArchive.h"
 #include "platform/FileTestSupport.h"
 
-#include <cstring>
 #include <gtest/gtest.h>
 #include <qv/measures/BBitArray.h>
 #include <qv/persistence/BQuorvelArchive.h>
 #include <string>
-#include <vector>
 
 namespace {
 
@@ -44,33 +42,14 @@ BBitArray Sample() {
 }
 
 TEST(BitArray, SizesAndLayout) {
-    struct Case {
-        std::string name;
-        int planes, width, height;
-        int wantPlanes, wantSize;
-        std::string stored;
-    };
-    std::vector<Case> const cases = {
-        {"3 planes round to a byte", 3, 4, 2, 8, 8,
-         Le32(4) + Le32(2) + Le32(1) + std::string(8, '\0')},
-        {"9 planes take two bytes", 9, 1, 1, 16, 1,
-         Le32(1) + Le32(1) + Le32(2) + std::string(2, '\0')},
-        {"no pixels, no memory", 8, 0, 5, 8, 0, Le32(0) + Le32(5) + Le32(1)},
-        {"negative width stored as given", 8, -2, 3, 8, -6, Le32(-2u) + Le32(3) + Le32(1)},
-    };
-    for (auto const& c : cases) {
-        BBitArray const a(c.planes, c.width, c.height);
-        EXPECT_EQ(a.Planes(), c.wantPlanes) << c.name;
-        EXPECT_EQ(a.Size(), c.wantSize) << c.name;
-        EXPECT_EQ(Stored(a), c.stored) << c.name;
-    }
-    BBitArray nine(9, 2, 1);
-    nine.SetBit(1, 0, 8);
-    EXPECT_EQ(Stored(nine).substr(12), std::string("\0\0\0\x01", 4))
-        << "plane 8 is bit 0 of the pixel's second byte";
-    BBitArray three(3, 3, 2);
-    three.SetBit(2, 1, 6);
-    EXPECT_EQ(static_cast<unsigned char>(Stored(three)[12 + 5]), 0x40) << "row by row";
+    BBitArray nine(9, 2, 2);
+    EXPECT_EQ(nine.Planes(), 16) << "9 planes take two bytes";
+    nine.SetBit(1, 1, 8);
+    EXPECT_EQ(Stored(nine), Le32(2) + Le32(2) + Le32(2) + std::string(7, '\0') + "\x01")
+        << "row by row; plane 8 is bit 0 of the pixel's second byte";
+    BBitArray const negative(8, -2, 3);
+    EXPECT_EQ(negative.Size(), -6);
+    EXPECT_EQ(Stored(negative), Le32(-2u) + Le32(3) + Le32(1)) << "no pixels, no memory";
 }
 
 TEST(BitArray, SingleBitsLeaveTheirNeighbours) {
@@ -78,26 +57,20 @@ TEST(BitArray, SingleBitsLeaveTheirNeighbours) {
     a.SetAllBits();
     a.UnsetBit(1, 1, 10);
     EXPECT_EQ(a.CountBits(10), 8u);
-    for (int plane = 0; plane < 16; ++plane)
-        EXPECT_EQ(a.TestBit(1, 1, plane), plane != 10) << plane;
-    a.ChangeBit(1, 1, 10, true);
     a.ChangeBit(0, 2, 15, false);
-    EXPECT_EQ(Picture(a, 10) + Picture(a, 15), "###/###/###/###/###/.##/");
+    EXPECT_EQ(Picture(a, 9) + Picture(a, 10) + Picture(a, 11) + Picture(a, 15),
+              "###/###/###/###/#.#/###/###/###/###/###/###/.##/");
     a.UnsetAllBits();
     EXPECT_EQ(Stored(a).substr(12), std::string(18, '\0'));
 }
 
 TEST(BitArray, WholePlanes) {
-    // Sizes around the 8-byte words, with one and with several bytes to a pixel.
+    // One byte to a pixel, in 8-byte words and a tail, and several bytes to a pixel.
     struct Case {
-        std::string name;
+        char const* name;
         int planes, width, height, plane;
-    };
-    std::vector<Case> const cases = {
+    } const cases[] = {
         {"one byte, words and a tail", 1, 13, 7, 0},
-        {"one byte, high plane", 8, 8, 8, 7},
-        {"one byte, long plane", 1, 4096, 3, 0},
-        {"two bytes", 16, 5, 3, 12},
         {"three bytes", 24, 7, 1, 17},
     };
     for (auto const& c : cases) {
@@ -117,7 +90,6 @@ TEST(BitArray, WholePlanes) {
         BBitArray b = a;
         b.ChangePlane(c.plane, true);
         EXPECT_EQ(b.CountBits(c.plane), static_cast<unsigned long long>(a.Size())) << c.name;
-        EXPECT_EQ(Picture(b, c.plane ^ 1), Picture(a, c.plane ^ 1)) << c.name;
         b.ChangePlane(c.plane, false);
         EXPECT_EQ(b.CountBits(c.plane), 0u) << c.name;
         EXPECT_EQ(Picture(b, c.plane ^ 1), Picture(a, c.plane ^ 1)) << c.name;
@@ -130,14 +102,11 @@ TEST(BitArray, WholePlanes) {
 
 TEST(BitArray, ChangeExtent) {
     struct Case {
-        std::string name;
+        char const* name;
         int x, y, width, height;
-        std::string want;
-    };
-    std::vector<Case> const cases = {
-        {"crop", 1, 1, 2, 2, "#./.#/"},
+        char const* want;
+    } const cases[] = {
         {"extend all round", -1, -1, 6, 6, "....../.#..#./..#.../...#../....#./....../"},
-        {"outside", 10, 10, 2, 2, "../../"},
         {"partly outside", 2, -1, 3, 3, ".../.#./.../"},
         {"to nothing", 1, 1, 0, 3, "///"},
     };
@@ -151,18 +120,15 @@ TEST(BitArray, ChangeExtent) {
     EXPECT_TRUE(a.TestBit(0, 1, 9)) << "the other planes move along";
 }
 
-TEST(BitArray, StoredFormRoundTrips) {
-    BBitArray const a = Sample();
+TEST(BitArray, StoredFormLoadsWholeOrNotAtAll) {
+    std::string const whole = Stored(Sample());
     struct Case {
-        std::string name;
+        char const* name;
         std::string bytes;
         bool loads;
-    };
-    std::string const whole = Stored(a);
-    std::vector<Case> const cases = {
+    } const cases[] = {
         {"whole", whole, true},
         {"truncated data", whole.substr(0, whole.size() - 1), false},
-        {"sizes no memory can hold", Le32(0x7FFFFFFF) + Le32(0x7FFFFFFF) + Le32(0x7FFFFFFF), false},
         {"huge sizes, little data", Le32(100000) + Le32(100000) + Le32(1) + std::string(64, 'x'),
          false},
     };
@@ -174,21 +140,15 @@ TEST(BitArray, StoredFormRoundTrips) {
             EXPECT_EQ(Stored(*SP<BBitArray>(loaded)), whole) << c.name;
         }
     }
-}
-
-TEST(BitArray, ObjectArchiveFile) {
+    // Through an object archive file, by its class name.
     TempDir dir;
     std::u16string const path = dir.U("mask.qva");
-    {
-        BQuorvelArchive out(path.c_str(), BArchive::WRITE, BString("class QvTest"), 3);
-        out.Insert(new BBitArray(Sample()), "mask");
-    }
-    EXPECT_NE(ReadBytes(dir / "mask.qva").find(archive_files::Str("class BBitArray")),
-              std::string::npos);
+    BQuorvelArchive(path.c_str(), BArchive::WRITE, BString("class QvTest"), 3)
+        .Insert(new BBitArray(Sample()), "mask");
     BQuorvelArchive in(path.c_str(), BArchive::READ, BString("class QvTest"), 3);
     SP<BBitArray> loaded = SP<BBitArray>(in.TakeOut("mask"));
     ASSERT_NE(loaded, nullptr);
-    EXPECT_EQ(Stored(*loaded), Stored(Sample()));
+    EXPECT_EQ(Stored(*loaded), whole);
 }
 
 } // namespace

@@ -22,14 +22,6 @@ std::string Hex(std::uint32_t const (&words)[5]) {
     return text;
 }
 
-// The message of n bytes i * 7 + 1: no block repeats another.
-std::string Pattern(std::size_t n) {
-    std::string s(n, '\0');
-    for (std::size_t i = 0; i < n; ++i)
-        s[i] = static_cast<char>(i * 7 + 1);
-    return s;
-}
-
 struct Engine {
     std::string name;
     Sha1Compress compress;
@@ -52,14 +44,12 @@ std::string Digest(Sha1Compress compress, std::string const& message,
     return Hex(words);
 }
 
-struct Vector {
-    std::string name;
-    std::string message;
-    std::string digest;
-};
-
-TEST(Sha1, PublishedVectors) {
-    std::vector<Vector> const vectors = {
+TEST(Sha1, PublishedVectorsOnEveryEngineWholeAndInPieces) {
+    struct {
+        char const* name;
+        std::string message;
+        char const* digest;
+    } const vectors[] = {
         {"empty", "", "da39a3ee5e6b4b0d3255bfef95601890afd80709"},
         {"abc", "abc", "a9993e364706816aba3e25717850c26c9cd0d89d"},
         {"448 bits", "abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq",
@@ -69,33 +59,21 @@ TEST(Sha1, PublishedVectors) {
          "qrlmnopqrsmnopqrstnopqrstu",
          "a49b2446a02c645bf419f995b67091253a04a259"},
         {"a million a", std::string(1000000, 'a'), "34aa973cd4c4daa4f61eeb2bdbad27316534016f"},
-        // The padding edges, from the published definition.
+        // The padding edges: it spills into a further block, fills one exactly, or the input
+        // ends on a block edge.
         {"55 a", std::string(55, 'a'), "c1c8bbdc22796e28c0e15163d20899b65621d65a"},
         {"56 a", std::string(56, 'a'), "c2db330f6083854c99d4b5bfb6e8f29f201be699"},
         {"64 a", std::string(64, 'a'), "0098ba824b5c16427bd7a1122a5a442a25ec644d"},
+        {"120 a", std::string(120, 'a'), "f34c1488385346a55709ba056ddd08280dd4c6d6"},
     };
     for (auto const& engine : Engines())
         for (auto const& v : vectors)
-            EXPECT_EQ(Digest(engine.compress, v.message), v.digest)
-                << engine.name << ": " << v.name;
-}
-
-TEST(Sha1, PaddingEdgesAgreeAcrossEnginesAndPieces) {
-    // The lengths where the padding spills into a further block, fills one exactly, or the
-    // input ends on a block edge; fed whole, and in pieces that straddle the blocks.
-    std::vector<std::size_t> const lengths = {0,  1,   54,  55,  56,  57,  63,   64,
-                                              65, 119, 120, 127, 128, 129, 1000, 4096};
-    std::vector<std::size_t> const pieces = {1, 3, 63, 64, 65};
-    for (std::size_t n : lengths) {
-        std::string const message = Pattern(n);
-        std::string const want = Digest(&qv::detail::Sha1CompressPortable, message);
-        for (auto const& engine : Engines()) {
-            EXPECT_EQ(Digest(engine.compress, message), want) << engine.name << " length " << n;
-            for (std::size_t piece : pieces)
-                EXPECT_EQ(Digest(engine.compress, message, piece), want)
-                    << engine.name << " length " << n << " in pieces of " << piece;
-        }
-    }
+            for (std::size_t piece :
+                 {std::string::npos, std::size_t{1}, std::size_t{63}, std::size_t{65}})
+                if (piece != 1 || v.message.size() < 1000) {
+                    EXPECT_EQ(Digest(engine.compress, v.message, piece), v.digest)
+                        << engine.name << ": " << v.name << " in pieces of " << piece;
+                }
 }
 
 TEST(Sha1, LengthOverflowIsFlagged) {
@@ -104,26 +82,18 @@ TEST(Sha1, LengthOverflowIsFlagged) {
     std::uint32_t const start[5] = {1, 2, 3, 4, 5};
     std::uint64_t const nearlyFull = ~std::uint64_t{0} - 511;
     std::string const block(64, 'x');
-    std::uint32_t words[5] = {};
-
-    SHA1 fits(start, nearlyFull - 511);
-    EXPECT_TRUE(fits.Input(block.data(), 64));
-    EXPECT_FALSE(fits.LengthOverflowed());
-    EXPECT_TRUE(fits.Result(words));
+    std::uint32_t first[5] = {}, again[5] = {0xDEADBEEF};
 
     SHA1 over(start, nearlyFull);
-    EXPECT_TRUE(over.Input(block.data(), 63));
-    EXPECT_FALSE(over.LengthOverflowed());
+    EXPECT_TRUE(over.Input(block.data(), 63) && !over.LengthOverflowed());
     EXPECT_FALSE(over.Input(block.data(), 1));
     EXPECT_TRUE(over.LengthOverflowed());
-    words[0] = 0xDEADBEEF;
-    EXPECT_FALSE(over.Result(words));
-    EXPECT_EQ(words[0], 0xDEADBEEFu);
+    EXPECT_FALSE(over.Result(again));
+    EXPECT_EQ(again[0], 0xDEADBEEFu);
 
-    // A finished digest takes no more input and gives the same result again.
-    std::uint32_t first[5], again[5];
-    ASSERT_TRUE(fits.Result(first));
-    EXPECT_FALSE(fits.Input("d", 1));
+    SHA1 fits(start, nearlyFull - 511);
+    EXPECT_TRUE(fits.Input(block.data(), 64) && !fits.LengthOverflowed() && fits.Result(first));
+    EXPECT_FALSE(fits.Input("d", 1)) << "a finished digest takes no more input";
     ASSERT_TRUE(fits.Result(again));
     EXPECT_EQ(Hex(first), Hex(again));
 }
@@ -132,8 +102,7 @@ TEST(Sha1, DigestForms) {
     char abc[] = "abc";
     Crypt::BSha1::Result words{};
     ASSERT_TRUE(Crypt::BSha1::Encrypt(abc, 3, words));
-    EXPECT_EQ(words.m_h[0], 0xa9993e36u); // H0 first, as a number
-    EXPECT_EQ(words.m_h[4], 0x9cd0d89du);
+    EXPECT_EQ(Hex(words.m_h), "a9993e364706816aba3e25717850c26c9cd0d89d") << "H0 first, as numbers";
 
     WString text(u"stale");
     ASSERT_TRUE(Crypt::BSha1::Encrypt(abc, 3, text));

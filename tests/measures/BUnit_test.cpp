@@ -36,16 +36,8 @@ TEST(BUnit, EachDisplayUnitConvertsAndFormatsAndComesBack) {
          "1.2", "1.23456"},
         {"inches", [](BUnitSystem& s) { s.ChangeUnit(UnitInch); }, UnitClassLength, "\"", 25.4, 1.0,
          "1.0000", 2, "1.00", "1"},
-        {"thou", [](BUnitSystem& s) { s.ChangeUnit(UnitThou); }, UnitClassLength, "Thou", 25.4,
-         1000.0, "1000.0", 0, "1000", "1000"},
         {"area stays in mm² under inches", [](BUnitSystem& s) { s.ChangeUnit(UnitInch); },
          UnitClassArea, "mm²", 2.5, 2.5, "2.500", 0, "2", "2.5"},
-        {"volume stays in mm³ under thou", [](BUnitSystem& s) { s.ChangeUnit(UnitThou); },
-         UnitClassVolume, "mm³", -7.0006, -7.0006, "-7.001", 2, "-7.00", "-7.0006"},
-        {"degrees Celsius", [](BUnitSystem&) {}, UnitClassTemperature, "°C", 21.26, 21.26, "21.3",
-         3, "21.260", "21.26"},
-        {"degrees of angle", [](BUnitSystem& s) { s.ChangeUnit(UnitDegree); }, UnitClassAngle, "°",
-         90.0, 90.0, "90.00", 0, "90", "90"},
         {"plain numbers", [](BUnitSystem&) {}, UnitClassNone, "", 1.0 / 3.0, 1.0 / 3.0,
          "0.333333333", 2, "0.33", "0.333333333"},
         {"a unit of the application's own",
@@ -83,22 +75,15 @@ TEST(BUnit, TextsThatAreNoNumbersAndTextsAtTheLimits) {
         char const* expected;
     } const rows[] = {
         {"Format gives back a text that is no number", mm.Format(u"12 mm", -1), "12 mm"},
-        {"Format of an empty text", mm.Format(WString(), 2), ""},
         {"Format reads blanks around the number", mm.Format(u" 2.5 ", -1), "2.500"},
         {"ConvertStr of no number is 0", mm.ConvertStr(u"abc"), "0"},
-        {"RevertStr of no number is 0", mm.RevertStr(u"1,5"), "0"},
-        {"nine digits of 0.1", plain.ConvertStr(0.1), "0.1"},
-        {"ten thousand million", plain.ConvertStr(1e10), "1e+10"},
         {"a small value", plain.ConvertStr(0.000012345678912), "1.23456789e-05"},
         {"negative precision takes the unit's", mm.Format(0.0005, -7), "0.001"},
         {"a factor of 0 reverts to infinity", BUnit(u"x", 0.0, 0).RevertStr(1.0), "inf"},
     };
     for (auto const& row : rows)
         EXPECT_EQ(Utf8(row.actual), row.expected) << row.name;
-    EXPECT_EQ(mm.Convert(u"abc"), 0.0);
-    EXPECT_EQ(mm.Revert(u""), 0.0);
     // Very long fixed texts end where the Windows library's buffer ended.
-    EXPECT_EQ(plain.Format(1e300, 3).Length(), 127u);
     EXPECT_EQ(Utf8(plain.Format(1.0, 2'000'000'000)).substr(0, 5), "1.000");
     EXPECT_EQ(plain.Format(1.0, 2'000'000'000).Length(), 127u);
 }
@@ -112,9 +97,8 @@ TEST(BUnitSystem, EveryChangeIsAnnouncedOncePerClass) {
         {"millimetres set three classes",
          [](BUnitSystem& s) { s.ChangeUnit(UnitMillimetre); },
          {1, 2, 3}},
-        {"inches set length", [](BUnitSystem& s) { s.ChangeUnit(UnitInch); }, {1}},
-        {"thou set length", [](BUnitSystem& s) { s.ChangeUnit(UnitThou); }, {1}},
         {"degrees set angle", [](BUnitSystem& s) { s.ChangeUnit(UnitDegree); }, {5}},
+        {"copies announce nothing", [](BUnitSystem& s) { s = BUnitSystem(s); }, {}},
         {"an unknown setting changes nothing",
          [](BUnitSystem& s) { s.ChangeUnit(static_cast<EUnit>(4)); },
          {}},
@@ -124,31 +108,19 @@ TEST(BUnitSystem, EveryChangeIsAnnouncedOncePerClass) {
         {"a class outside the table changes nothing",
          [](BUnitSystem& s) { s.ChangeUnit(static_cast<EUnitClass>(6), u"x", 2.0, 0); },
          {}},
-        {"copies announce nothing",
-         [](BUnitSystem& s) {
-             BUnitSystem copy(s);
-             s = copy;
-         },
-         {}},
     };
     for (auto const& row : rows) {
         SCOPED_TRACE(row.name);
         MessageCounter::Installed messages;
         BUnitSystem units;
-        auto const made = messages->Take();
-        ASSERT_EQ(made.size(), 5u) << "construction sets five classes";
-        for (std::size_t i = 0; i < made.size(); ++i)
-            EXPECT_EQ(made[i].param1, i + 1);
+        ASSERT_EQ(messages->Take().size(), 5u) << "construction sets five classes";
         BUnitSystem const before(units);
         row.change(units);
-        auto const posted = messages->Take();
-        ASSERT_EQ(posted.size(), row.classes.size());
-        for (std::size_t i = 0; i < posted.size(); ++i) {
-            EXPECT_EQ(posted[i].number, MSG_UNIT_CHANGED);
-            EXPECT_TRUE(posted[i].posted);
-            EXPECT_EQ(posted[i].param1, row.classes[i]);
-            EXPECT_EQ(posted[i].param2, 0u);
-        }
+        std::vector<unsigned long long> posted;
+        for (auto const& m : messages->Take())
+            posted.push_back(m.number == MSG_UNIT_CHANGED && m.posted && !m.param2 ? m.param1
+                                                                                   : ~0ull);
+        EXPECT_EQ(posted, row.classes);
         if (row.classes.empty())
             for (int c = 0; c < BUnitSystem::kClassCount; ++c) {
                 auto const unitClass = static_cast<EUnitClass>(c);

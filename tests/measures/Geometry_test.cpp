@@ -1,6 +1,5 @@
 // The value types of the plane: rectangle rules, the iterator's walks and the affine map.
 #include <climits>
-#include <cmath>
 #include <gtest/gtest.h>
 #include <qv/measures/BFRect.h>
 #include <qv/measures/BMatrix2x3.h>
@@ -11,11 +10,9 @@
 
 namespace {
 
-::testing::AssertionResult Same(BRect const& got, BRect const& want) {
-    if (got == want)
-        return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure()
-           << "(" << got.left << ", " << got.top << ", " << got.right << ", " << got.bottom << ")";
+std::string Text(BRect const& r) {
+    return std::to_string(r.left) + "," + std::to_string(r.top) + "," + std::to_string(r.right) +
+           "," + std::to_string(r.bottom);
 }
 
 BRect Enclosed(BRect r, BPoint p) {
@@ -32,32 +29,23 @@ TEST(Geometry, RectangleRules) {
         BRect got, want;
     } const cases[] = {
         {"enclose on empty makes a pixel", Enclosed(BRect(3, 3, 3, 9), BPoint(5, 7)), {5, 7, 6, 8}},
-        {"enclose of a point inside", Enclosed(BRect(5, 7, 6, 8), BPoint(5, 7)), {5, 7, 6, 8}},
         {"enclose grows left and bottom", Enclosed(BRect(5, 7, 6, 8), BPoint(2, 8)), {2, 7, 6, 9}},
-        {"intersection of disjoint", BRect(0, 0, 2, 2).Intersection(BRect(5, 5, 7, 7)), {}},
         {"intersection of touching", BRect(0, 0, 2, 2).Intersection(BRect(2, 0, 4, 2)), {}},
         {"intersection folds in order",
          BRect(0, 0, 10, 10).Intersection(BRect(2, 1, 12, 8), BRect(-5, 3, 9, 20)),
          {2, 3, 9, 8}},
         {"intersection with an empty one", BRect(0, 0, 10, 10).Intersection(BRect(1, 1, 1, 5)), {}},
         {"union skips the empty one", BRect(4, 4, 4, 9).Union(BRect(1, 2, 3, 4)), {1, 2, 3, 4}},
-        {"union of two empty", BRect(4, 4, 4, 9).Union(BRect(7, 7, 1, 1)), {}},
         // The answers of the platform's UnionRect (docs/probes/rect_probe.out.txt).
         {"union of disjoint", BRect(0, 0, 2, 2).Union(BRect(5, 5, 7, 7)), {0, 0, 7, 7}},
         {"union skips an inverted one",
          BRect(5, 5, 1, 1).Union(BRect(0, 0, 10, 10)),
          {0, 0, 10, 10}},
-        {"union of four",
-         BRect(0, 0, 1, 1)
-             .Union(BRect(5, 5, 6, 6), BRect(-1, 2, 0, 3), BRect(9, 9, 9, 9), BRect(2, -4, 3, -3)),
-         {-1, -4, 6, 6}},
         {"shift by a point", shifted, {10, 21, 12, 23}},
-        {"corner and size", BRect(BPoint(2, 3), BSize(4, 5)), {2, 3, 6, 8}},
-        {"size alone", BRect(BSize(4, 5)), {0, 0, 4, 5}},
         {"sums wrap in 32 bits", BRect(BPoint(INT_MAX, 0), BSize(1, 1)), {INT_MAX, 0, INT_MIN, 1}},
     };
     for (auto const& c : cases)
-        EXPECT_TRUE(Same(c.got, c.want)) << c.name;
+        EXPECT_EQ(Text(c.got), Text(c.want)) << c.name;
 }
 
 struct FactCase {
@@ -72,40 +60,21 @@ TEST(Geometry, Facts) {
         {"right is outside", !BPoint(10, 0).InRect(ten)},
         {"last pixel is inside", BPoint(9, 9).InRect(ten)},
         {"successor wraps to left", BRect(2, 0, 10, 5).Successor(BPoint(9, 0)) == BPoint(2, 1)},
-        {"successor steps right", BRect(2, 0, 10, 5).Successor(BPoint(3, 4)) == BPoint(4, 4)},
         {"empty non-zero is not in itself", !BRect(3, 3, 3, 5).InRect(BRect(3, 3, 3, 5))},
         {"all zeros is in anything", BRect(0, 0, 0, 0).InRect(BRect(5, 5, 6, 6))},
-        {"inside", BRect(2, 2, 4, 4).InRect(ten)},
-        {"sticking out", !BRect(2, 2, 11, 4).InRect(ten)},
         {"center truncates towards zero", BRect(-3, 0, 0, 0).Center() == BPoint(-1, 0)},
-        {"point minus size", BPoint(5, 5) - BSize(2, 3) == BPoint(3, 2)},
-        {"size plus point is a point", BSize(1, 2) + BPoint(3, 4) == BPoint(4, 6)},
-        {"size minus point", BSize(1, 2) - BPoint(3, 4) == BPoint(-2, -2)},
         {"division truncates towards zero", BPoint(-7, 7) / 2 == BPoint(-3, 3)},
         {"products wrap in 32 bits", (BSize(0x40000000, 1) * 4).cx == 0},
         {"sizes neither greater nor less",
          !BSize(1, 5).IsGreater(BSize(2, 4)) && !BSize(1, 5).IsLess(BSize(2, 4))},
-        {"greater-or-equal in both", BSize(2, 4).IsGreaterEq(2, 4) && !BSize(2, 4).IsGreater(2, 4)},
-        {"maximum and minimum", BSize(1, 5).Maximum(BSize(2, 4)) == BSize(2, 5) &&
-                                    BSize(1, 5).Minimum(BSize(2, 4)) == BSize(1, 4)},
         {"float intersection keeps the position",
          BFRect(0, 0, 2, 2).Intersection(BFRect(5, 1, 7, 3)) == BFRect(5, 1, 5, 2)},
-        {"float intersection overlap",
-         BFRect(0, 0, 2, 2).Intersection(BFRect(1, -1, 7, 1.5f)) == BFRect(1, 0, 2, 1.5f)},
         {"vertex -1 is right-top", unit.Vertex(-1) == BFPoint(1, 0)},
         {"vertex 5 is left-bottom", unit.Vertex(5) == BFPoint(0, 1)},
-        {"vertex -2 is right-top", unit.Vertex(-2) == BFPoint(1, 0)},
-        {"vertex 2 is right-bottom", unit.Vertex(2) == BFPoint(1, 1)},
-        {"float center", BFRect(1, 2, 4, 8).Center() == BFPoint(2.5f, 5)},
         {"cross product is the dot product", BFPoint(1, 2).CrossProduct(BFPoint(3, 4)) == 11.0f},
         {"round sends halves away from zero", BFPoint(-2.5f, 2.5f).Round() == BPoint(-3, 3)},
-        {"floor and ceil", BFPoint(-2.5f, 2.5f).Floor() == BPoint(-3, 2) &&
-                               BFPoint(-2.5f, 2.5f).Ceil() == BPoint(-2, 3)},
-        {"distance", BFPoint(1, 1).Distance(BFPoint(4, 5)) == 5.0f},
         {"float point in integer rect",
          BFPoint(9.5f, 0).InRect(ten) && !BFPoint(10, 0).InRect(ten)},
-        {"float point in float rect",
-         BFPoint(0, 0.999f).InRect(unit) && !BFPoint(0, 1).InRect(unit)},
     };
     for (auto const& c : cases)
         EXPECT_TRUE(c.holds) << c.name;
@@ -128,67 +97,37 @@ TEST(Geometry, IteratorFacts) {
     step3.SetStep(3);
     step3.NextRow();
     step3.NextRow();
-    BRectItr back = step3;
+    BRectItr back = step3, corner = step3, past = step3;
     back.Previous();
+    corner.GotoRightBottom();
+    past.NextRow();
+    past.NextRow();
     BRectItr mapped(BRect(4, 6, 8, 8), BMatrix2x3(0.5f, 0, 0, 2.0f, 10.0f, -1.0f));
-    BFPoint const before = mapped++;
-    BRectItr step5 = step3;
-    step5.SetStep(5);
     std::vector<FactCase> const cases = {
         {"step count rounds up", step3.StepCountX() == 4 && step3.StepCountY() == 4},
-        {"step count exact", step5.StepCountX() == 2},
         {"previous lands on the last grid position of the row above",
          back.RelativePosition() == BPoint(9, 3)},
-        {"step position", step3.StepPosition() == BPoint(0, 2)},
-        {"matrix gives offset and scale", before == BFPoint(12.0f, 11.0f)},
-        {"post-increment moved", mapped.RelativePosition() == BPoint(5, 6)},
-        {"position truncates", mapped.Position() == BPoint(12, 11)},
-        {"right-bottom ignores the step",
-         [&] {
-             BRectItr it = step3;
-             it.GotoRightBottom();
-             return it.RelativePosition() == BPoint(9, 11);
-         }()},
-        {"past the bottom is invalid",
-         [&] {
-             BRectItr it = step3;
-             it.NextRow();
-             it.NextRow();
-             return !it.IsValid();
-         }()},
+        {"matrix gives offset and scale", mapped++ == BFPoint(12.0f, 11.0f)},
+        {"right-bottom ignores the step", corner.RelativePosition() == BPoint(9, 11)},
+        {"past the bottom is invalid", !past.IsValid()},
     };
     for (auto const& c : cases)
         EXPECT_TRUE(c.holds) << c.name;
 }
 
 TEST(Geometry, MatrixMaps) {
-    float const angle = 0.5f;
-    struct Case {
-        std::string name;
-        BMatrix2x3 m;
-    };
-    std::vector<Case> const cases = {
-        {"scale and shift", BMatrix2x3(2.0f, 0.0f, 0.0f, -4.0f, 3.0f, 7.0f)},
-        {"rotation", BMatrix2x3(std::cos(angle), std::sin(angle), -std::sin(angle), std::cos(angle),
-                                3.0f, -2.0f)},
-        {"shear", BMatrix2x3(1.0f, 0.0f, 0.75f, 1.0f, 0.0f, 0.0f)},
-    };
-    for (auto const& c : cases) {
-        BFPoint const p(3.25f, -8.5f);
-        BFPoint const back = c.m.TransformBack(c.m.Transform(p));
-        EXPECT_NEAR(back.x, p.x, 1e-4f) << c.name;
-        EXPECT_NEAR(back.y, p.y, 1e-4f) << c.name;
-    }
     // The constructor takes columns: m01 is the third argument.
-    BMatrix2x3 const shear = cases[2].m;
-    EXPECT_EQ(shear.GetCoeff(0, 1), 0.75f);
-    EXPECT_EQ(shear.Transform(BFPoint(0, 2)), BFPoint(1.5f, 2));
+    BMatrix2x3 const shear(1.0f, 0.0f, 0.75f, 1.0f, 3.0f, -2.0f);
+    EXPECT_EQ(shear.Transform(BFPoint(0, 2)), BFPoint(4.5f, 0));
+    BFPoint const p(3.25f, -8.5f);
+    BFPoint const back = shear.TransformBack(shear.Transform(p));
+    EXPECT_NEAR(back.x, p.x, 1e-4f);
+    EXPECT_NEAR(back.y, p.y, 1e-4f);
     // In a * b, b is applied first.
     BMatrix2x3 const scale(2.0f, 0.0f, 0.0f, 2.0f);
     BMatrix2x3 const shift(1.0f, 0.0f, 0.0f, 1.0f, 5.0f, 0.0f);
     EXPECT_EQ((scale * shift).Transform(BFPoint(1, 1)), BFPoint(12, 2));
     EXPECT_EQ((shift * scale).Transform(BFPoint(1, 1)), BFPoint(7, 2));
-    EXPECT_TRUE(BMatrix2x3() * shift == shift);
 }
 
 } // namespace

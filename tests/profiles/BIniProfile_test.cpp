@@ -1,6 +1,7 @@
 #include "../platform/FileTestSupport.h"
 #include "ProfileConformance.h"
 
+#include <cstring>
 #include <qv/core/BError.h>
 #include <qv/profiles/BIniProfile.h>
 
@@ -40,7 +41,6 @@ TEST_F(IniProfile, LongValuesNeedTheGrowingBuffer) {
     } const rows[] = {
         {"510 fits the first buffer", 510, 510},
         {"511 needs a second call", 511, 511},
-        {"4000", 4000, 4000},
         {"32768 exactly", 32768, 32768},
         {"longer is cut", 40000, 32768},
     };
@@ -74,28 +74,23 @@ TEST_F(IniProfile, FilesAreMadeUnicodeAndConvertedWhenTheyMustBe) {
     EXPECT_EQ(ansi.GetString(u"a", WString()).ToUtf8(), "\xC3\xA4");
 }
 
-TEST_F(IniProfile, ListsAndDeletionsFollowTheFile) {
+TEST_F(IniProfile, ListsAndMemoryBlocks) {
     WriteBytes(m_dir / "l.ini", "[B]\r\nz=1\r\na=2\r\n[A]\r\nx=1\r\n[b]\r\nq=3\r\n");
     BIniProfile p(Path("l.ini"), u"B", false);
-    BArray<WString> sections;
+    BArray<WString> sections, keys;
     ASSERT_TRUE(p.GetSections(sections));
-    ASSERT_EQ(sections.Count(), 3u);
-    EXPECT_EQ(sections[1].ToUtf8(), "A") << "file order";
-    BArray<WString> keys;
     p.LoadSection(u"b", &keys);
-    ASSERT_EQ(keys.Count(), 2u);
-    EXPECT_EQ(keys[0].ToUtf8(), "z");
-    EXPECT_TRUE(p.DeleteSection(u"A"));
-    EXPECT_EQ(ReadBytes(m_dir / "l.ini"), "[B]\r\nz=1\r\na=2\r\n[b]\r\nq=3\r\n");
-    BIniProfile none(WString(), u"S", false);
-    EXPECT_FALSE(none.GetSections(sections));
+    std::string listed;
+    for (auto const& name : {sections, keys})
+        for (WString const& n : name)
+            listed += n.ToUtf8() + " ";
+    EXPECT_EQ(listed, "B A b z a ") << "file order; the first section of a name";
+    EXPECT_FALSE(BIniProfile(WString(), u"S", false).GetSections(sections));
 
-    unsigned char bytes[4] = {1, 2, 3, 250};
-    p.SetSection(u"M");
+    unsigned char bytes[4] = {1, 2, 3, 250}, back[4] = {};
     EXPECT_TRUE(p.WriteMem(u"m", bytes, 4));
-    unsigned char back[4] = {};
     EXPECT_TRUE(p.ReadMem(u"m", back, 4));
-    EXPECT_EQ(back[3], 250);
+    EXPECT_EQ(std::memcmp(back, bytes, 4), 0);
     EXPECT_FALSE(p.ReadMem(u"m", back, 3));
     EXPECT_THROW(p.WriteMem(u"m", bytes, 1ull << 40), BError);
 }

@@ -33,40 +33,33 @@ TEST(BProfileMap, LoadLineRules) {
         char const* content;
         char const* section;
     } const rows[] = {
-        {"header", u"[Camera]\nGain=3", "Camera:Gain=3;", "Camera"},
         {"header keeps blanks", u"[ Camera ]\nGain=3", " Camera :Gain=3;", " Camera "},
         {"rest of header ignored", u"[Camera] Gain=3", "", "Camera"},
-        {"empty header name", u"[]\nk=v", ":k=v;", ""},
         {"blanks trimmed", u"Gain = 12 ", "start:Gain=12;", "start"},
-        {"split at first equals", u"Title=a=b", "start:Title=a=b;", "start"},
         {"leading equals dropped", u"Title==b", "start:Title=b;", "start"},
         {"equals after blank stays", u"Title= =b", "start:Title==b;", "start"},
-        {"empty value", u"Title=", "start:Title=;", "start"},
-        {"empty key", u"=b", "start:=b;", "start"},
         {"semicolon means nothing", u";Gain=3", "start:;Gain=3;", "start"},
         {"no closing bracket is a key", u"[Camera=3", "start:[Camera=3;", "start"},
         {"no equals ignored", u"Gain", "", "start"},
         {"blank before bracket is no header", u" [A]=1", "start:[A]=1;", "start"},
         {"carriage return trimmed", u"[A]\r\nk=v\r\n", "A:k=v;", "A"},
-        {"header with carriage return", u"[A]\r", "", "A"},
         {"case folds to first spelling", u"Gain=1\nGAIN=2", "start:Gain=2;", "start"},
         {"sections fold", u"[Cam]\na=1\n[CAM]\nb=2", "Cam:a=1;Cam:b=2;", "CAM"},
         {"sorted without case", u"[b]\nk=1\n[A]\nk=2\n[c]", "A:k=2;b:k=1;", "c"},
         {"text ends at nul", u"a=1\0b=2", "start:a=1;", "start"},
-        {"empty text", u"", "", "start"},
     };
     for (auto const& row : rows) {
         BProfileMap map(u"start");
         map.WriteString(u"old", u"gone");
         EXPECT_EQ(map.Load(row.text), 0) << row.name;
-        EXPECT_EQ(Dump(map), row.content) << row.name;
-        EXPECT_EQ(map.GetSection().ToUtf8(), row.section) << row.name;
+        EXPECT_EQ(Dump(map) + "|" + map.GetSection().ToUtf8(),
+                  std::string(row.content) + "|" + row.section)
+            << row.name;
     }
 }
 
 TEST(BProfileMap, ASecondLoadStartsWhereTheFirstEndedAndEmptyValuesAreMissingForRead) {
     BProfileMap map;
-    EXPECT_EQ(map.GetSection().ToUtf8(), "default");
     map.Load(u"[One]\na=1");
     map.Load(u"b=2");
     EXPECT_EQ(Dump(map), "One:b=2;");
@@ -76,8 +69,6 @@ TEST(BProfileMap, ASecondLoadStartsWhereTheFirstEndedAndEmptyValuesAreMissingFor
     WString text(u"x");
     EXPECT_FALSE(map.Read(u"Title", text));
     EXPECT_EQ(map.GetInt(u"Other", 4), 4);
-    map.WriteInt(u"n", 3000000);
-    EXPECT_EQ(map.GetInt(u"n", 4), 3000000);
 }
 
 TEST(BProfileMap, MemoryBlocksUseTheNibbleAlphabet) {
@@ -87,11 +78,10 @@ TEST(BProfileMap, MemoryBlocksUseTheNibbleAlphabet) {
     EXPECT_EQ(map.GetString(u"m", WString()).ToUtf8(), "12:?");
     unsigned char back[2] = {};
     EXPECT_TRUE(map.ReadMem(u"m", back, 2));
-    EXPECT_EQ(back[1], 0xAF);
+    EXPECT_EQ(back[0] * 256 + back[1], 0x12AF);
     unsigned char untouched[3] = {7, 7, 7};
     EXPECT_FALSE(map.ReadMem(u"m", untouched, 3));
-    EXPECT_EQ(untouched[0], 7);
-    EXPECT_FALSE(map.ReadMem(u"m", nullptr, 2));
+    EXPECT_EQ(std::string(untouched, untouched + 3), "\7\7\7");
     EXPECT_TRUE(map.WriteMem(u"z", bytes, 0));
     EXPECT_FALSE(map.ReadMem(u"z", back, 0)) << "an empty value reads as missing";
     // A first byte of 0xD0..0xDF encodes as '=' and loses it on the way through Load.
@@ -104,7 +94,6 @@ TEST(BProfileMap, MemoryBlocksUseTheNibbleAlphabet) {
 TEST(BProfileMap, DeletedSectionStaysListedAndCopiesAreDeep) {
     BProfileMap map(u"A");
     map.WriteString(u"k", u"v");
-    map.DeleteKey(u"none");
     map.SetSection(u"Ghost");
     map.DeleteKey(u"k");
     EXPECT_EQ(map.FindSection(u"Ghost"), nullptr) << "deleting a key creates no section";
@@ -117,8 +106,5 @@ TEST(BProfileMap, DeletedSectionStaysListedAndCopiesAreDeep) {
     map.WriteString(u"k", u"v");
     BProfileMap copy(map);
     copy.WriteString(u"k", u"changed");
-    EXPECT_EQ(Dump(map), "A:k=v;");
-    BProfileMap moved(std::move(copy));
-    EXPECT_EQ(Dump(copy), "");
     EXPECT_EQ(Dump(map), "A:k=v;");
 }
