@@ -304,6 +304,10 @@ struct BLanguageMap::State {
     // Default text to the keys without underscore that carry it, both case-blind. A text whose
     // keys have all gone keeps an empty list, which counts as not taken.
     ICaseMap<std::vector<WString>> oneWordKeysByDefault;
+    // The merge's translation is only asked for the text of a key: it keeps neither default
+    // texts nor the index, which serve Add's warnings, TranslateBack and the listings. What it
+    // holds, and so every merged line, stays the same; a third fewer blocks stay in memory.
+    bool textsOnly = false;
 
     // Add of a valid key whose tags are known.
     int Add(Tags const& tags, WString key, WString defaultText, WString text, bool replace,
@@ -322,7 +326,7 @@ struct BLanguageMap::State {
         }
         // Keys that ICmp calls equal agree on underscores, so the old entry of a one-word key
         // was one-word too, and only those are indexed.
-        if (IsOneWordKey(key)) {
+        if (IsOneWordKey(key) && !textsOnly) {
             auto const keys = oneWordKeysByDefault.try_emplace(defaultText, tags.defaultText).first;
             // With replace the key's own old entry is still indexed here and counts, as it
             // does for a walk over the map.
@@ -332,7 +336,8 @@ struct BLanguageMap::State {
                 UnindexOneWordKey(place->second.key, place->second.defaultText);
             keys->second.push_back(key);
         }
-        place->second = Texts{std::move(key), std::move(text), std::move(defaultText)};
+        place->second =
+            Texts{std::move(key), std::move(text), textsOnly ? WString() : std::move(defaultText)};
         return result;
     }
 
@@ -584,7 +589,8 @@ int BLanguageMap::ImportMapFile(WString path, WString* report, bool replace, boo
     auto const prefetch = [&](unsigned long long i, WString const& cell) {
         if (i == 0 && IsKeyCell(cell))
             m_state->entries.Prefetch(tags.OfKey(cell));
-        else if (i == 1 && IsKeyCell(cells[0]) && tags.OfDefaultText(cells[0], cell))
+        else if (i == 1 && !m_state->textsOnly && IsKeyCell(cells[0]) &&
+                 tags.OfDefaultText(cells[0], cell))
             m_state->oneWordKeysByDefault.Prefetch(tags.defaultText);
     };
     while (ReadLn(file, cells, kCellsPerRecord, prefetch)) {
@@ -665,6 +671,7 @@ int BLanguageMap::MergeMapFile(WString const& referenceDirectory,
         return kMergeCannotCreateTarget;
     // A translation that can't be read is an empty one: every key is new.
     BLanguageMap translation;
+    translation.m_state->textsOnly = true;
     translation.ImportMapFile(PathIn(translationDirectory, fileName), nullptr, false, true);
 
     HeldStream const held(reference);
