@@ -15,6 +15,9 @@
 // Language files are read one 16-bit unit at a time through the wide stream functions, by the
 // cell grammar: empty, plain up to a tab or line feed, or quoted with doubled quotes. The reader
 // stops at the end of the file and at a read error alike, so a damaged stream never loops.
+// It hands each cell over as soon as it is read: the import and the merge hash the key there,
+// once, and start loading the memory their search will touch while the rest of the line is
+// read, so that a large table's searches do not wait for it.
 #include <qv/language/BLanguageMap.h>
 // Own header above, what it builds on below.
 #include <algorithm>
@@ -195,7 +198,6 @@ public:
 
     // The item with key, made with V() if there was none; true when it was made. The pointer
     // holds until the next addition.
-    std::pair<Item*, bool> try_emplace(WString const& key) { return try_emplace(key, Tag(key)); }
     std::pair<Item*, bool> try_emplace(WString const& key, std::uint32_t tag) {
         std::size_t pos = Search(key, tag);
         if (m_slots[pos] != 0)
