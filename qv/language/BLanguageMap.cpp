@@ -15,6 +15,9 @@
 // Language files are read one 16-bit unit at a time through the wide stream functions, by the
 // cell grammar: empty, plain up to a tab or line feed, or quoted with doubled quotes. The reader
 // stops at the end of the file and at a read error alike, so a damaged stream never loops.
+// It hands each cell over as soon as it is read: the import and the merge hash the key there,
+// once, and start loading the memory their search will touch while the rest of the line is
+// read, so that a large table's searches do not wait for it.
 #include <qv/language/BLanguageMap.h>
 // Own header above, what it builds on below.
 #include <algorithm>
@@ -49,6 +52,11 @@ SP<BLanguageMap> registered;
 // nothing more arrives either.
 bool AtEnd(std::FILE* stream) {
     return std::feof(stream) || std::ferror(stream);
+}
+
+// A record whose first cell starts with a dollar sign carries a key; any other is a comment.
+bool IsKeyCell(WString const& cell) {
+    return !cell.IsEmpty() && cell[0] == u'$';
 }
 
 // Directory, backslash, name: the form every language-file path takes.
@@ -116,6 +124,33 @@ private:
     std::u16string m_buffer;
 };
 
+// The units of one cell while it is read. A cell of a language file is a short text, so its
+// units gather on the stack; only a longer one spills into the heap. A heap buffer per cell
+// would cost three allocations per line, and zeroing it would push a kilobyte per cell through
+// the cache, where the table's slots should stay.
+class CellUnits {
+public:
+    void Add(char16_t unit) {
+        if (m_count < kOnStack)
+            m_head[m_count++] = unit;
+        else
+            m_rest.push_back(unit);
+    }
+    void CopyTo(WString& cell) {
+        if (m_rest.empty())
+            return cell.CopyN(m_count, m_head);
+        m_rest.insert(0, m_head, m_count);
+        cell.CopyN(m_rest.size(), m_rest.data());
+    }
+
+private:
+    static constexpr std::size_t kOnStack = 512;
+
+    char16_t m_head[kOnStack];
+    std::size_t m_count = 0;
+    std::u16string m_rest;
+};
+
 } // namespace
 
 namespace {
@@ -127,6 +162,12 @@ struct Texts {
     WString text; // of the current language
     WString defaultText;
 };
+
+// What a table keeps of a key's hash. Callers that know a key early compute it once and hand
+// it to Prefetch, try_emplace and find.
+std::uint32_t Tag(WString const& key) {
+    return static_cast<std::uint32_t>(qv::platform::HashForCmpIW(key.CStr()));
+}
 
 // A table keyed case-blind as ICmp decides: keys that ICmp calls equal are one key. Items stand
 // in a vector in order of addition; beside it an open-addressed array of slots, each the low 32
@@ -141,10 +182,23 @@ public:
         V second;
     };
 
+    // Starts loading the slot where the search for tag begins. Once the table outgrows the
+    // cache that load is the one miss of a search; issued while the rest of the line is read,
+    // it has arrived when the search begins.
+    void Prefetch(std::uint32_t tag) const {
+        __builtin_prefetch(&m_slots[tag & (m_slots.size() - 1)]);
+    }
+    // The item named by the slot where the search for tag begins, if the slot's tag is tag:
+    // as a rule the item a search will confirm, so a caller that prefetched the slot may start
+    // loading the item, and later its texts, before searching. Null otherwise.
+    Item const* Probable(std::uint32_t tag) const {
+        std::uint64_t const slot = m_slots[tag & (m_slots.size() - 1)];
+        return slot != 0 && (slot >> 32) == tag ? &m_items[Index(slot)] : nullptr;
+    }
+
     // The item with key, made with V() if there was none; true when it was made. The pointer
     // holds until the next addition.
-    std::pair<Item*, bool> try_emplace(WString const& key) {
-        std::uint32_t const tag = Tag(key);
+    std::pair<Item*, bool> try_emplace(WString const& key, std::uint32_t tag) {
         std::size_t pos = Search(key, tag);
         if (m_slots[pos] != 0)
             return {&m_items[Index(m_slots[pos])], false};
@@ -156,8 +210,9 @@ public:
         m_slots[pos] = std::uint64_t{tag} << 32 | m_items.size();
         return {&m_items.back(), true};
     }
-    Item const* find(WString const& key) const {
-        std::uint64_t const slot = m_slots[Search(key, Tag(key))];
+    Item const* find(WString const& key) const { return find(key, Tag(key)); }
+    Item const* find(WString const& key, std::uint32_t tag) const {
+        std::uint64_t const slot = m_slots[Search(key, tag)];
         return slot ? &m_items[Index(slot)] : nullptr;
     }
     Item* find(WString const& key) { return const_cast<Item*>(std::as_const(*this).find(key)); }
@@ -172,9 +227,6 @@ public:
 private:
     static constexpr std::size_t kFirstSlots = 16;
 
-    static std::uint32_t Tag(WString const& key) {
-        return static_cast<std::uint32_t>(qv::platform::HashForCmpIW(key.CStr()));
-    }
     static std::size_t Index(std::uint64_t slot) { return (slot & 0xFFFFFFFFu) - 1; }
     // The slot holding key, or the empty slot where it would go.
     std::size_t Search(WString const& key, std::uint32_t tag) const {
@@ -207,6 +259,27 @@ private:
 template <class V>
 using ICaseMap = ICaseTable<V>;
 
+// A key without underscore: its default text goes into the index of one-word keys.
+bool IsOneWordKey(WString const& key) {
+    return !key.Includes(u'_');
+}
+
+// The tags of the two searches of an Add: the key's in the entries and, for a one-word key,
+// its default text's in the index.
+struct Tags {
+    std::uint32_t key = 0;
+    std::uint32_t defaultText = 0;
+
+    std::uint32_t OfKey(WString const& k) { return key = Tag(k); }
+    // True when the key is a one-word key, whose default text is then tagged.
+    bool OfDefaultText(WString const& k, WString const& text) {
+        if (!IsOneWordKey(k))
+            return false;
+        defaultText = Tag(text);
+        return true;
+    }
+};
+
 // Keys in ascending ICmp order, the order in which an ordered map would list them.
 template <class Key>
 void SortKeys(std::vector<Key>& keys) {
@@ -233,6 +306,42 @@ struct BLanguageMap::State {
     // Default text to the keys without underscore that carry it, both case-blind. A text whose
     // keys have all gone keeps an empty list, which counts as not taken.
     ICaseMap<std::vector<WString>> oneWordKeysByDefault;
+    // The merge's translation is only asked for the text of a key: it keeps neither default
+    // texts nor the index, which serve Add's warnings, TranslateBack and the listings. What it
+    // holds, and so every merged line, stays the same; a third fewer blocks stay in memory.
+    bool textsOnly = false;
+
+    // Add of a valid key whose tags are known.
+    int Add(Tags const& tags, WString key, WString defaultText, WString text, bool replace,
+            bool useDefault) {
+        int result = 0;
+        if (reportMissingTranslations && defaultText.IsEmpty())
+            result = kIdWithoutText;
+        // One search serves the lookup and the insertion; a key that stays out leaves no trace.
+        auto const [place, inserted] = entries.try_emplace(key, tags.key);
+        if (!inserted && !replace)
+            return kIdNotUnique;
+        if (text.IsEmpty() && useDefault) {
+            text = defaultText;
+            if (reportMissingTranslations)
+                result = kIdWithoutText;
+        }
+        // Keys that ICmp calls equal agree on underscores, so the old entry of a one-word key
+        // was one-word too, and only those are indexed.
+        if (IsOneWordKey(key) && !textsOnly) {
+            auto const keys = oneWordKeysByDefault.try_emplace(defaultText, tags.defaultText).first;
+            // With replace the key's own old entry is still indexed here and counts, as it
+            // does for a walk over the map.
+            if (!keys->second.empty())
+                result = kIdNotBiunique;
+            if (!inserted)
+                UnindexOneWordKey(place->second.key, place->second.defaultText);
+            keys->second.push_back(key);
+        }
+        place->second =
+            Texts{std::move(key), std::move(text), textsOnly ? WString() : std::move(defaultText)};
+        return result;
+    }
 
     void UnindexOneWordKey(WString const& key, WString const& defaultText) {
         auto* const entry = oneWordKeysByDefault.find(defaultText);
@@ -266,33 +375,11 @@ int BLanguageMap::Add(WString key, WString defaultText, WString text, bool repla
                       bool useDefault) {
     if (!IsIdValid(key))
         return kInvalidId;
-    State& s = *m_state;
-    int result = 0;
-    if (s.reportMissingTranslations && defaultText.IsEmpty())
-        result = kIdWithoutText;
-    // One search serves the lookup and the insertion; a key that stays out leaves no trace.
-    auto const [place, inserted] = s.entries.try_emplace(key);
-    if (!inserted && !replace)
-        return kIdNotUnique;
-    if (text.IsEmpty() && useDefault) {
-        text = defaultText;
-        if (s.reportMissingTranslations)
-            result = kIdWithoutText;
-    }
-    // Keys that ICmp calls equal agree on underscores, so the old entry of a one-word key was
-    // one-word too, and only those are indexed.
-    if (HasPrefix(key, u"$")) {
-        auto const keys = s.oneWordKeysByDefault.try_emplace(defaultText).first;
-        // With replace the key's own old entry is still indexed here and counts, as it does
-        // for a walk over the map.
-        if (!keys->second.empty())
-            result = kIdNotBiunique;
-        if (!inserted)
-            s.UnindexOneWordKey(place->second.key, place->second.defaultText);
-        keys->second.push_back(key);
-    }
-    place->second = Texts{std::move(key), std::move(text), std::move(defaultText)};
-    return result;
+    Tags tags;
+    tags.OfKey(key);
+    tags.OfDefaultText(key, defaultText);
+    return m_state->Add(tags, std::move(key), std::move(defaultText), std::move(text), replace,
+                        useDefault);
 }
 
 void BLanguageMap::Clear() {
@@ -405,7 +492,7 @@ bool BLanguageMap::HasPrefix(WString key, WString prefix) {
     if (prefix.IsEmpty())
         return true;
     if (prefix.Equal(u"$"))
-        return !key.Includes(u'_');
+        return IsOneWordKey(key);
     return key.IStartsWith(prefix + u"_");
 }
 
@@ -424,7 +511,7 @@ unsigned short BLanguageMap::ReadCell(BFile& file, WString& cell) {
     if (!stream)
         return kEndOfFile;
     using qv::platform::fgetwc16;
-    BArray<char16_t> chars(512);
+    CellUnits chars;
     int c = fgetwc16(stream);
     auto const ends = [](int unit) { return unit == kTab || unit == kLineFeed || unit == kWEOF; };
     if (c == kQuote) {
@@ -440,12 +527,14 @@ unsigned short BLanguageMap::ReadCell(BFile& file, WString& cell) {
             chars.Add(static_cast<char16_t>(c));
     }
     // CopyN stops at a zero unit, which ends the cell's text.
-    cell.CopyN(chars.Count(), chars.begin());
+    chars.CopyTo(cell);
     cell.ResolveEsc();
     return static_cast<unsigned short>(c);
 }
 
-bool BLanguageMap::ReadLn(BFile& file, BArray<WString>& cells, unsigned long long count) {
+template <class OnCell>
+bool BLanguageMap::ReadLn(BFile& file, BArray<WString>& cells, unsigned long long count,
+                          OnCell const& onCell) {
     std::FILE* const stream = file;
     if (!stream || AtEnd(stream))
         return false;
@@ -454,9 +543,12 @@ bool BLanguageMap::ReadLn(BFile& file, BArray<WString>& cells, unsigned long lon
     unsigned short end = 0;
     for (unsigned long long i = 0; i < count; ++i) {
         end = ReadCell(file, cells[i]);
+        onCell(i, cells[i]);
         if (end == kLineFeed || end == kEndOfFile) {
-            for (++i; i < count; ++i)
+            for (++i; i < count; ++i) {
                 cells[i].Clear();
+                onCell(i, cells[i]);
+            }
             break;
         }
     }
@@ -493,11 +585,23 @@ int BLanguageMap::ImportMapFile(WString path, WString* report, bool replace, boo
     int result = 0;
     long long lines = 0, entries = 0;
     BArray<WString> cells;
-    while (ReadLn(file, cells, kCellsPerRecord)) {
+    // The searches of Add start while the line is read: the key's once it is read, and a
+    // one-word key's default text in the index once that is read.
+    Tags tags;
+    auto const prefetch = [&](unsigned long long i, WString const& cell) {
+        if (i == 0 && IsKeyCell(cell))
+            m_state->entries.Prefetch(tags.OfKey(cell));
+        else if (i == 1 && !m_state->textsOnly && IsKeyCell(cells[0]) &&
+                 tags.OfDefaultText(cells[0], cell))
+            m_state->oneWordKeysByDefault.Prefetch(tags.defaultText);
+    };
+    while (ReadLn(file, cells, kCellsPerRecord, prefetch)) {
         ++lines;
-        if (cells[0].IsEmpty() || cells[0][0] != u'$')
+        if (!IsKeyCell(cells[0]))
             continue;
-        int const answer = Add(cells[0], cells[1], cells[2], replace, useDefault);
+        int const answer = IsIdValid(cells[0]) ? m_state->Add(tags, cells[0], cells[1], cells[2],
+                                                              replace, useDefault)
+                                               : kInvalidId;
         ++entries;
         if (answer == 0)
             continue;
@@ -569,17 +673,38 @@ int BLanguageMap::MergeMapFile(WString const& referenceDirectory,
         return kMergeCannotCreateTarget;
     // A translation that can't be read is an empty one: every key is new.
     BLanguageMap translation;
+    translation.m_state->textsOnly = true;
     translation.ImportMapFile(PathIn(translationDirectory, fileName), nullptr, false, true);
 
     HeldStream const held(reference);
     LineWriter out(target);
     BArray<WString> cells;
-    WString text;
+    auto const& known = translation.m_state->entries;
+    std::uint32_t tag = 0;
+    // A search for a key that the translation holds touches its slot, its item and the key's
+    // and the text's blocks, each found through the one before. The line's cells give time to
+    // load them in turn before the search: the slot behind the key, the item behind the
+    // default text, the blocks behind the text.
+    bool keyLine = false;
+    auto const prefetch = [&](unsigned long long i, WString const& cell) {
+        if (i == 0) {
+            keyLine = IsKeyCell(cell);
+            if (keyLine)
+                known.Prefetch(tag = Tag(cell));
+        } else if (auto const* item = keyLine ? known.Probable(tag) : nullptr) {
+            if (i == 1) {
+                __builtin_prefetch(item);
+            } else {
+                __builtin_prefetch(item->first.CStr());
+                __builtin_prefetch(item->second.text.CStr());
+            }
+        }
+    };
     auto const escaped = [](WString cell) {
         ReplaceControlChars(cell);
         return cell;
     };
-    while (ReadLn(reference, cells, kCellsPerRecord)) {
+    while (ReadLn(reference, cells, kCellsPerRecord, prefetch)) {
         WString const& first = cells[0];
         if (first.IsEmpty()) {
             out << u"\t\t";
@@ -590,8 +715,8 @@ int BLanguageMap::MergeMapFile(WString const& referenceDirectory,
             for (unsigned long long i = 1; i < kCellsPerRecord; ++i)
                 if (!cells[i].IsEmpty())
                     out << u"\t" << escaped(cells[i]);
-        } else if (translation.Find(first, text, true)) {
-            out << first << u"\t" << escaped(cells[1]) << u"\t" << escaped(text);
+        } else if (auto const* found = known.find(first, tag)) {
+            out << first << u"\t" << escaped(cells[1]) << u"\t" << escaped(found->second.text);
         } else {
             out << first << u"\t" << escaped(cells[1]) << u"\t\t" << kNewEntry;
             ++newEntries;

@@ -96,8 +96,8 @@ public:
     /// are written as they stand: a tab or line feed in a text spoils its line for a reader.
     /// 0, or kCannotCreateFile.
     int ExportMapFile(WString path) const;
-    /// Turns line feeds, carriage returns and tabs into `\\n`, `\\r` and `\\t` (a backslash stays single),
-    /// which the reader turns back.
+    /// Turns line feeds, carriage returns and tabs into `\\n`, `\\r` and `\\t` (a backslash stays
+    /// single), which the reader turns back.
     static void ReplaceControlChars(WString& text);
 
     /// @name Merging a new reference file with an old translation into a target directory.
@@ -135,7 +135,11 @@ private:
     static bool IsAlNumUnderscore(char16_t c);
     static bool HasPrefix(WString key, WString prefix);
     static unsigned short ReadCell(BFile& file, WString& cell);
-    static bool ReadLn(BFile& file, BArray<WString>& cells, unsigned long long count);
+    // onCell(i, cell) sees each cell as soon as it is read, while the rest of the line is
+    // still to come: the import and the merge start their table searches there.
+    template <class OnCell>
+    static bool ReadLn(BFile& file, BArray<WString>& cells, unsigned long long count,
+                       OnCell const& onCell);
     static unsigned short SkipLn(BFile& file);
 
     std::unique_ptr<State> m_state;
