@@ -172,8 +172,9 @@ std::uint32_t Tag(WString const& key) {
 // A table keyed case-blind as ICmp decides: keys that ICmp calls equal are one key. Items stand
 // in a vector in order of addition; beside it an open-addressed array of slots, each the low 32
 // bits of the item's hash and its index, is all a search touches until a hash matches. At 20,000
-// keys the slots (256 KB) stay in the cache where a node-based table's nodes, spread between the
-// strings, would not. Items are never erased one by one, only all at once.
+// keys the slots take 512 KB: one miss per search, which a prefetch can hide, where a node-based
+// table's nodes, spread between the strings, cost several. Items are never erased one by one,
+// only all at once.
 template <class V>
 class ICaseTable {
 public:
@@ -256,9 +257,6 @@ private:
     std::vector<std::uint64_t> m_slots = std::vector<std::uint64_t>(kFirstSlots, 0);
 };
 
-template <class V>
-using ICaseMap = ICaseTable<V>;
-
 // A key without underscore: its default text goes into the index of one-word keys.
 bool IsOneWordKey(WString const& key) {
     return !key.Includes(u'_');
@@ -301,11 +299,11 @@ struct BLanguageMap::State {
     bool testMode = false;
     // Key to both its texts: one table instead of a current and a default map with the same
     // keys halves the searches of every Add and lookup.
-    ICaseMap<Texts> entries;
+    ICaseTable<Texts> entries;
     WString currentLanguage;
     // Default text to the keys without underscore that carry it, both case-blind. A text whose
     // keys have all gone keeps an empty list, which counts as not taken.
-    ICaseMap<std::vector<WString>> oneWordKeysByDefault;
+    ICaseTable<std::vector<WString>> oneWordKeysByDefault;
     // The merge's translation is only asked for the text of a key: it keeps neither default
     // texts nor the index, which serve Add's warnings, TranslateBack and the listings. What it
     // holds, and so every merged line, stays the same; a third fewer blocks stay in memory.
@@ -355,8 +353,8 @@ struct BLanguageMap::State {
     }
 
     // The entries in ascending key order.
-    std::vector<ICaseMap<Texts>::Item const*> Ordered() const {
-        std::vector<ICaseMap<Texts>::Item const*> ordered;
+    std::vector<ICaseTable<Texts>::Item const*> Ordered() const {
+        std::vector<ICaseTable<Texts>::Item const*> ordered;
         ordered.reserve(entries.size());
         for (auto const& entry : entries)
             ordered.push_back(&entry);
