@@ -538,6 +538,34 @@ bool Fits(std::uint32_t* capacity, std::size_t needed) {
     return fits;
 }
 
+// A name as the enumerations hand it out: with its terminator into a buffer of *length units,
+// *length then the name's length without it; a buffer too small gets ERROR_MORE_DATA.
+int CopyName(std::u16string const& text, char16_t* name, std::uint32_t* length) {
+    if (!name || *length <= text.size())
+        return ERROR_MORE_DATA;
+    std::copy(text.begin(), text.end(), name);
+    name[text.size()] = 0;
+    *length = static_cast<std::uint32_t>(text.size());
+    return ERROR_SUCCESS;
+}
+
+// A value's type and data as the query and the enumeration hand them out: without a buffer
+// only the size is told; a buffer too small gets nothing but the size and ERROR_MORE_DATA.
+int CopyData(Value const& value, std::uint32_t* type, unsigned char* data,
+             std::uint32_t* dataLength) {
+    if (type)
+        *type = value.type;
+    if (!data) {
+        if (dataLength)
+            *dataLength = static_cast<std::uint32_t>(value.data.size());
+        return ERROR_SUCCESS;
+    }
+    if (!Fits(dataLength, value.data.size()))
+        return ERROR_MORE_DATA;
+    std::memcpy(data, value.data.data(), value.data.size());
+    return ERROR_SUCCESS;
+}
+
 } // namespace
 
 bool ParseRegistryFile(std::string_view bytes, RegistryFileSink& sink) {
@@ -665,20 +693,8 @@ long RegEnumValueW(HKEY key, std::uint32_t index, char16_t* name, std::uint32_t*
         if (index >= node.values.size())
             return ERROR_NO_MORE_ITEMS;
         Value const& value = node.values[index];
-        if (*nameLength <= value.name.size() || !name)
-            return ERROR_MORE_DATA;
-        std::copy(value.name.begin(), value.name.end(), name);
-        name[value.name.size()] = 0;
-        *nameLength = static_cast<std::uint32_t>(value.name.size());
-        if (type)
-            *type = value.type;
-        if (data && !Fits(dataLength, value.data.size()))
-            return ERROR_MORE_DATA;
-        if (data)
-            std::memcpy(data, value.data.data(), value.data.size());
-        else if (dataLength)
-            *dataLength = static_cast<std::uint32_t>(value.data.size());
-        return ERROR_SUCCESS;
+        int const named = CopyName(value.name, name, nameLength);
+        return named == ERROR_SUCCESS ? CopyData(value, type, data, dataLength) : named;
     });
 }
 
@@ -692,13 +708,7 @@ long RegEnumKeyExW(HKEY key, std::uint32_t index, char16_t* name, std::uint32_t*
     return ReadKey(open, [&](Key& node) {
         if (index >= node.children.size())
             return ERROR_NO_MORE_ITEMS;
-        Key const& child = *std::next(node.children.begin(), index)->second;
-        if (*nameLength <= child.name.size())
-            return ERROR_MORE_DATA;
-        std::copy(child.name.begin(), child.name.end(), name);
-        name[child.name.size()] = 0;
-        *nameLength = static_cast<std::uint32_t>(child.name.size());
-        return ERROR_SUCCESS;
+        return CopyName(std::next(node.children.begin(), index)->second->name, name, nameLength);
     });
 }
 
@@ -713,17 +723,7 @@ long RegQueryValueExW(HKEY key, char16_t const* name, std::uint32_t*, std::uint3
         Value const* value = node.FindValue(name ? name : u"");
         if (!value)
             return ERROR_FILE_NOT_FOUND;
-        if (type)
-            *type = value->type;
-        if (!data) {
-            if (dataLength)
-                *dataLength = static_cast<std::uint32_t>(value->data.size());
-            return ERROR_SUCCESS;
-        }
-        if (!Fits(dataLength, value->data.size()))
-            return ERROR_MORE_DATA;
-        std::memcpy(data, value->data.data(), value->data.size());
-        return ERROR_SUCCESS;
+        return CopyData(*value, type, data, dataLength);
     });
 }
 
