@@ -85,8 +85,7 @@ TEST(StringFormats, PrintableEscapesWhatCannotBeSeen) {
     EXPECT_EQ(BString("a\tb\nc\rd\\e\x01\xe9").Printable(), "a\\tb\\nc\\rd\\\\e\\x01\\xe9");
     EXPECT_EQ(WString(u"\x7f\u0085\u00e9\u263a").Printable(), u"\\x7f\\x85\u00e9\u263a");
     BString plain("nothing to do");
-    BString same = plain.Printable();
-    EXPECT_EQ(same.CStr(), plain.CStr()); // shares the block
+    EXPECT_EQ(plain.Printable().CStr(), plain.CStr()); // shares the block
 }
 
 TEST(StringFormats, ResolveEscWorksInOnePassFromTheLeft) {
@@ -126,7 +125,6 @@ TEST(StringFormats, RecordLayoutAndRoundTrip) {
     EXPECT_TRUE(a.FRead(f.get()) && b.FRead(f.get()) && c.FRead(f.get()));
     EXPECT_EQ(a, u"ab");
     EXPECT_EQ(b.CStr(0), nullptr);
-    EXPECT_EQ(c, u"\u20ac");
     EXPECT_FALSE(c.FRead(f.get())); // end of file: unchanged
     EXPECT_EQ(c, u"\u20ac");
 }

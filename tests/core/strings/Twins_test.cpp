@@ -21,8 +21,7 @@ TEST(Twins, StrUnsharesOnlyInTheWideTwin) {
     WString wideCopy = wide;
     wide.Str()[0] = u'X';
     EXPECT_EQ(wideCopy, WString(u"abc"));
-    WString none;
-    EXPECT_NE(none.Str(), nullptr) << "WString::Str always gives writable text";
+    EXPECT_NE(WString().Str(), nullptr) << "WString::Str always gives writable text";
     EXPECT_EQ(WString()[5], 0) << "indexing a null wide string gives 0";
 }
 
