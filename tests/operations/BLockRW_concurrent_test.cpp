@@ -6,12 +6,9 @@
 #include <chrono>
 #include <future>
 #include <gtest/gtest.h>
-#include <memory>
 #include <qv/operations/BAutoLockR.h>
 #include <qv/operations/BAutoLockW.h>
-#include <qv/operations/BAutoTryLockW.h>
 #include <qv/operations/BLockRW.h>
-#include <qv/operations/BSyncableSmartObj.h>
 #include <qv/platform/ProcessWriteBuffers.h>
 #include <string>
 #include <thread>
@@ -114,36 +111,6 @@ TEST(BLockRWConcurrent, ReadsLeftOnAnotherThreadCountUntilTheLastOneGoes) {
     }
 }
 
-// More locks held at once than a thread has slots: those whose slot is taken go through the
-// counter, and every lock still keeps writers out exactly while it is read.
-TEST(BLockRWConcurrent, ManyLocksReadAtOnceByOneThread) {
-    std::vector<std::unique_ptr<BLockRW>> locks(300);
-    for (auto& lock : locks) {
-        lock = std::make_unique<BLockRW>();
-        lock->LockR();
-        lock->LockR();
-    }
-    auto writable = [&] {
-        std::string seen;
-        auto check = Start([&] {
-            for (auto& lock : locks) {
-                bool const written = lock->TryLockW();
-                seen += written ? 'w' : '-';
-                if (written)
-                    lock->UnlockW();
-            }
-        });
-        EXPECT_TRUE(Finishes(check));
-        return seen;
-    };
-    EXPECT_EQ(writable(), std::string(300, '-'));
-    for (auto& lock : locks) {
-        lock->UnlockR();
-        lock->UnlockR();
-    }
-    EXPECT_EQ(writable(), std::string(300, 'w'));
-}
-
 // Readers have precedence: while readers overlap, a waiting writer stays out.
 TEST(BLockRWConcurrent, OverlappingReadersKeepAWriterOut) {
     BLockRW lock;
@@ -160,17 +127,6 @@ TEST(BLockRWConcurrent, OverlappingReadersKeepAWriterOut) {
     EXPECT_FALSE(written);
     lock.UnlockR();
     EXPECT_TRUE(Finishes(writer));
-}
-
-TEST(BSyncableSmartObjConcurrent, AnotherThreadCannotTryTheHeldMutex) {
-    BSyncableSmartObj object;
-    object.LockR();
-    auto other = Start([&] { EXPECT_FALSE(object.TryLockW() || object.TryLockR()); });
-    EXPECT_TRUE(Finishes(other));
-    auto blocked = Start([&] { BAutoLockW guard(object); });
-    EXPECT_TRUE(Blocked(blocked));
-    object.UnlockR();
-    EXPECT_TRUE(Finishes(blocked));
 }
 
 // A barrier the kernel refuses after registration must not go unnoticed: the closing writer

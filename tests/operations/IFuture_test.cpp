@@ -8,7 +8,6 @@
 #include <qv/operations/IFuture.h>
 #include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
 using namespace std::chrono_literals;
@@ -112,26 +111,4 @@ TEST(IFuture, WaitsOverScriptedFutures) {
                   std::string(row.waits) + " " + row.cancels + " " + row.progress)
             << row.name << ": waits, cancels and progress in tenths";
     }
-}
-
-TEST(IFunctor, TheThreadPromiseAnswersForItsThread) {
-    EXPECT_FALSE(IFunctor::IsCancelled());
-    EXPECT_NO_THROW(IFunctor::CheckCancel());
-    SP<FlagPromise> promise = new FlagPromise(false);
-    IFunctor::SetThreadPromise(promise);
-    IFunctor::SetThreadPromise(IFunctor::GetThreadPromise());
-    EXPECT_EQ(promise->RefCount(), 2) << "setting the same promise again";
-    EXPECT_NO_THROW(IFunctor::CheckCancel());
-    promise->cancelled = true;
-    std::thread([] { EXPECT_FALSE(IFunctor::IsCancelled()) << "another thread's slot"; }).join();
-    try {
-        IFunctor::CheckCancel();
-        ADD_FAILURE() << "a cancelled promise raises";
-    } catch (BError const& error) {
-        EXPECT_EQ(error.Error(), 25070);
-    }
-    IFunctor::SetThreadPromise(nullptr);
-    EXPECT_EQ(promise->RefCount(), 1);
-    std::thread([promise] { IFunctor::SetThreadPromise(promise); }).join();
-    EXPECT_EQ(promise->RefCount(), 1) << "a slot lets go when its thread ends";
 }

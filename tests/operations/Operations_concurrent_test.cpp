@@ -3,7 +3,6 @@
 #include "ThreadTestSupport.h"
 #include "operations/RecordingDispatcher.h"
 
-#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <gtest/gtest.h>
@@ -71,35 +70,4 @@ TEST(OperationsConcurrent, AnOwnerFollowsAndStopsItsWorker) {
     EXPECT_EQ(worker.wait_for(kBound), std::future_status::ready);
     EXPECT_EQ(operation->GetError().Error(), 25070);
     EXPECT_EQ(nextId, steps + 1) << "every text was fetched, in order";
-}
-
-// Posts to a window from a worker while the owner takes the window out of service: once
-// unregistering has returned, the receiver hears nothing more and may be destroyed.
-TEST(OperationsConcurrent, AWindowGoesWhileAWorkerPosts) {
-    class Window : public qv::platform::WindowReceiver {
-    public:
-        void Enqueue(HWND, unsigned int, qv::platform::WPARAM, qv::platform::LPARAM) override {
-            if (!alive.load())
-                late = true;
-            ++received;
-        }
-        std::atomic<bool> alive{true}, late{false};
-        std::atomic<int> received{0};
-    } window;
-    HWND const handle = qv::platform::RegisterWindowReceiver(&window);
-    SP<BAsyncOperationInterface> operation = new BAsyncOperationInterface;
-    operation->SetMessageSink(handle);
-    std::atomic<bool> stop{false};
-    auto worker = Start([&] {
-        while (!stop)
-            operation->ProgressInfo(50);
-    });
-    while (window.received.load() < 100)
-        std::this_thread::yield();
-    EXPECT_TRUE(qv::platform::UnregisterWindowReceiver(handle));
-    window.alive = false;
-    std::this_thread::sleep_for(kSettle);
-    stop = true;
-    EXPECT_EQ(worker.wait_for(kBound), std::future_status::ready);
-    EXPECT_FALSE(window.late.load());
 }

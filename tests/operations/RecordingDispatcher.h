@@ -46,12 +46,6 @@ public:
                 steps.push_back(m.param1);
         return steps;
     }
-    unsigned long long Units() {
-        unsigned long long units = 0;
-        for (unsigned long long step : Steps())
-            units += step;
-        return units;
-    }
 
 private:
     bool Record(Message const& message) {

@@ -70,14 +70,6 @@ TEST(BDictionary, IterationRunsInBucketOrderThenInOrderOfAddition) {
     EXPECT_EQ(empty.begin(), empty.end());
 }
 
-TEST(BDictionary, SmartObjectKeysCompareByIdentity) {
-    SP<BSmartObj> a = new BSmartObj, b = new BSmartObj;
-    BDictionary<SP<BSmartObj>, bool> t(250000);
-    t.Set(a, true);
-    EXPECT_TRUE(t.Contains(a));
-    EXPECT_FALSE(t.Contains(b));
-}
-
 } // namespace
 
 TEST(BDictionary, LookupsInALongBucketAfterRemovals) {

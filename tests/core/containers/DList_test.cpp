@@ -48,26 +48,4 @@ TEST(DList, EditsKeepBothLinksAndRefuseForeignPositions) {
     EXPECT_EQ(Values(other), (std::vector<int>{4}));
 }
 
-struct Probe : BSmartObj {
-    static inline int live = 0;
-    Probe() { ++live; }
-    ~Probe() override { --live; }
-};
-
-TEST(DList, RemovingAndDestroyingReleaseReferences) {
-    Probe::live = 0;
-    {
-        DList<SP<BSmartObj>> list;
-        for (int i = 0; i < 3; ++i)
-            list.AddTail(new Probe);
-        DList<SP<BSmartObj>> copy(list);
-        auto pos = list.HeadPosition();
-        list.RemoveAt(pos);
-        EXPECT_EQ(Probe::live, 3); // the copy still holds all three
-        copy.RemoveAll();
-        EXPECT_EQ(Probe::live, 2);
-    }
-    EXPECT_EQ(Probe::live, 0);
-}
-
 } // namespace

@@ -5,7 +5,6 @@
 #include <qv/core/files/BFile.h>
 #include <qv/core/strings/BString.h>
 #include <qv/core/strings/WString.h>
-#include <qv/platform/WideStream.h>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -82,30 +81,4 @@ TEST(BFileStrings, ReadLnThroughEveryReadMode) {
                   row.lines)
             << row.name;
     }
-}
-
-TEST(BFileStrings, LongLinesComeBackWholeThroughUtf16Text) {
-    TempDir dir;
-    // Around the piece of 511 units: a piece that is exactly a line with its line feed, a line
-    // that needs a second piece for its line feed alone, and lines of several pieces.
-    std::vector<std::u16string> lines;
-    for (std::size_t n : {510u, 511u, 512u, 1022u, 1100u})
-        lines.push_back(std::u16string(n, static_cast<char16_t>(u'a' + n % 26)));
-    lines.back()[700] = u'\u20AC';
-    {
-        BFile out(dir.U("l.txt").c_str(), u"wt,ccs=UTF-16LE");
-        for (auto const& line : lines)
-            ASSERT_EQ(qv::platform::fputws16((line + u"\n").c_str(), out), 0);
-    }
-    BFile in(dir.U("l.txt").c_str(), u"r,ccs=UTF-16LE");
-    WString line(u"shared");
-    WString const before = line;
-    for (auto const& expected : lines) {
-        ASSERT_TRUE(line.ReadLn(in));
-        EXPECT_EQ(line.View(), expected) << expected.size();
-    }
-    EXPECT_EQ(before, u"shared"); // the line was built in a block of its own
-    EXPECT_TRUE(line.ReadLn(in)); // nothing left, but the end was not flagged yet
-    EXPECT_TRUE(line.IsEmpty());
-    EXPECT_FALSE(line.ReadLn(in));
 }

@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <qv/core/files/BFile.h>
-#include <qv/platform/WideStream.h>
 #include <string>
 #include <utility>
 #include <vector>
@@ -13,36 +12,12 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::u16string ReadLine(std::FILE* f) {
-    char16_t buffer[512];
-    return qv::platform::fgetws16(buffer, 512, f) ? buffer : u"<eof>";
-}
-
 void MakeReadOnly(std::string const& path) {
     fs::permissions(path, fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
                     fs::perm_options::remove);
 }
 
 } // namespace
-
-TEST(BFile, OpensOnceClosesAndRewinds) {
-    TempDir dir;
-    WriteBytes(dir / "a.txt", "line1\r\nline2\r\n");
-    BFile file;
-    EXPECT_FALSE(file.Rewind());
-    ASSERT_TRUE(file.Open(dir.U("a.txt").c_str(), u"rt"));
-    std::FILE* const stream = file;
-    EXPECT_FALSE(file.Open(dir.U("a.txt").c_str(), u"rb"));
-    EXPECT_FALSE(file.OpenShared(dir.U("a.txt").c_str(), u"rb"));
-    EXPECT_EQ(static_cast<std::FILE*>(file), stream);
-    EXPECT_EQ(ReadLine(file), u"line1\n");
-    EXPECT_TRUE(file.Rewind());
-    EXPECT_EQ(ReadLine(file), u"line1\n");
-    file.Close();
-    file.Close();
-    EXPECT_EQ(static_cast<std::FILE*>(file), nullptr);
-    EXPECT_TRUE(BFile().OpenShared(dir.U("a.txt").c_str(), u"r,ccs=UTF-16LE"));
-}
 
 TEST(BFile, ExistAndKind) {
     TempDir dir;

@@ -85,40 +85,19 @@ TYPED_TEST(StringTest, EditsAndQuestions) {
         {"EraseLeadingChars", "xxaxx", [](S& s) { return s.EraseLeadingChars(U('x')), ""; }, "",
          "axx"},
         {"EraseAllChars", "Hello", [](S& s) { return s.EraseAllChars(U('l')), ""; }, "", "Heo"},
-        {"Lower is const", "MiXeD", [](S& s) { return Ascii(s.Lower()); }, "mixed", "="},
         {"ToLower", "MiXeD", [](S& s) { return s.ToLower(), ""; }, "", "mixed"},
         {"ToUpper", "MiXeD", [](S& s) { return s.ToUpper(), ""; }, "", "MIXED"},
         {"Fill", "abc", [](S& s) { return s.Fill(2, U('z')), ""; }, "", "zz"},
-        {"Sub past the end", "abc", [](S& s) { return Ascii(s.Sub(1, ~0ull)); }, "bc", "="},
-        {"SubCh at once", "=value", [](S& s) { return Ascii(s.SubCh(0, U('='))); }, "", "="},
         {"TokenCount counts every separator", "a;;b", [](S& s) { return N(s.TokenCount(';')); },
          "3", "="},
         {"a separator last ends a token", "a;", [](S& s) { return N(s.GetTokenCount(';')); }, "2",
          "="},
         {"empty token", "a;;b", [](S& s) { return Ascii(s.Token(1, U(';'))); }, "", "="},
-        {"token past the end", "a;", [](S& s) { return Ascii(s.Token(5, U(';'))); }, "", "="},
         {"token after a leading separator", ";a", [](S& s) { return Ascii(s.GetToken(1, U(';'))); },
          "a", "="},
-        {"Search from", "abcabc", [](S& s) { return N(s.Search(M("bc").CStr(), 2)); }, "4", "="},
         {"IncludesPos", "abcabc", [](S& s) { return FoundAt(s, "ca"); }, "12", "="},
         {"IncludesPos resets pos", "abc", [](S& s) { return FoundAt(s, "x"); }, "00", "="},
-        {"IIncludes text", "abcabc", [](S& s) { return B(s.IIncludes(M("BCA").CStr())); }, "1",
-         "="},
-        {"Includes char", "abc", [](S& s) { return B(s.Includes('C')); }, "0", "="},
         {"no terminator in the text", "abc", [](S& s) { return B(s.Includes(U(0))); }, "0", "="},
-        {"IStartsWith", "Sensor.INI", [](S& s) { return B(s.IStartsWith(M("sensor").CStr())); },
-         "1", "="},
-        {"EndsWith", "Sensor.INI", [](S& s) { return B(s.EndsWith(M(".ini").CStr())); }, "0", "="},
-        {"EndsWith longer", "x.INI", [](S& s) { return B(s.EndsWith(M("a x.INI").CStr())); }, "0",
-         "="},
-        {"IsAlphaNumUnderscore", "Cam_1", [](S& s) { return B(s.IsAlphaNumUnderscore()); }, "1",
-         "="},
-        {"IsCharSet: no", "0x1g", [](S& s) { return B(s.IsCharSet(M("0123456789xABCDEF"))); }, "0",
-         "="},
-        {"ICmp orders case-blind", "alpha", [](S& s) { return B(s.ICmp(M("Beta")) < 0); }, "1",
-         "="},
-        {"ICmp equal, == not", "alpha",
-         [](S& s) { return N(s.ICmp(M("ALPHA")) == 0) + B(s == M("ALPHA")); }, "10", "="},
     };
     for (Row const& row : rows) {
         S s = M(row.before);
@@ -146,8 +125,7 @@ TYPED_TEST(StringTest, NullEmptyAndSharedResults) {
     ASSERT_TRUE(cut.CutAt(0));
     EXPECT_NE(cut.CStr(0), nullptr) << "a block with empty text stays a block";
     EXPECT_TRUE(cut == S());
-    U const* null = nullptr;
-    EXPECT_TRUE(S().StartsWith(null));
+    EXPECT_TRUE(S().StartsWith(static_cast<U const*>(nullptr)));
     EXPECT_FALSE(S().StartsWith(Lit<S>("").c_str())) << "a null string starts with nothing";
     EXPECT_FALSE(S().EndsWith(Lit<S>("").c_str()));
     EXPECT_TRUE(cut.StartsWith(Lit<S>("").c_str()));

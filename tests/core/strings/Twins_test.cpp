@@ -21,8 +21,7 @@ TEST(Twins, StrUnsharesOnlyInTheWideTwin) {
     WString wideCopy = wide;
     wide.Str()[0] = u'X';
     EXPECT_EQ(wideCopy, WString(u"abc"));
-    WString none;
-    EXPECT_NE(none.Str(), nullptr) << "WString::Str always gives writable text";
+    EXPECT_NE(WString().Str(), nullptr) << "WString::Str always gives writable text";
     EXPECT_EQ(WString()[5], 0) << "indexing a null wide string gives 0";
 }
 
@@ -49,8 +48,8 @@ TEST(WString, WideOnlyOperations) {
     s.CopyN(2, unterminated);
     EXPECT_EQ(s, WString(u"xy"));
 
-    EXPECT_FALSE(WString(u"caf\u00e9").Includes16bitChars());
-    EXPECT_TRUE(WString(u"\u0100").Includes16bitChars());
+    EXPECT_TRUE(!WString(u"caf\u00e9").Includes16bitChars() &&
+                WString(u"\u0100").Includes16bitChars());
 
     WString r(u"0123456789");
     r.ReplaceAt(u"AB", 2, 5);
@@ -84,8 +83,7 @@ TEST(WString, CaseBlindComparatorsOrderMapsAndQSort) {
     EXPECT_EQ(keys.begin()->second, 2);
     std::vector<WString> v{WString(u"b"), WString(u"C"), WString(u"a")};
     std::qsort(v.data(), v.size(), sizeof(WString), WString::ICmpForQSort);
-    EXPECT_EQ(v[0], WString(u"a"));
-    EXPECT_EQ(v[2], WString(u"C"));
+    EXPECT_EQ(v, (std::vector<WString>{WString(u"a"), WString(u"b"), WString(u"C")}));
     std::map<BString, int, StrILess> narrowKeys{{BString("Key"), 1}, {BString("KEY"), 2}};
     EXPECT_EQ(narrowKeys.size(), 1u);
     // The translation maps key wide text with the same comparator.
