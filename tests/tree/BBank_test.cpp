@@ -1,4 +1,3 @@
-// Banks: the path syntax, composing and taking apart paths, paths to nodes and back.
 #include <gtest/gtest.h>
 #include <qv/tree/BBank.h>
 #include <qv/tree/BNodeItr.h>

@@ -1,4 +1,3 @@
-// The stored form of nodes, through real object archive files.
 #include "persistence/ArchiveFiles.h"
 #include "persistence/ArchiveTestSupport.h"
 #include "platform/FileTestSupport.h"
@@ -204,7 +203,6 @@ TEST_F(NodeArchiveTest, HandMadeRecordsLoadAsTheirOutlines) {
         {"own child as annotation", Linked({{0, {2}, {2}}, {}}), "1 a2 (2)"},
         {"shared node object", Linked({{0, {2, 3}, {}}, {4, {}, {}}, {4, {}, {4}}, {}}),
          "1 (2 o4, 3 o4 a4)"},
-        {"node object with children", Linked({{2, {}, {}}, {0, {3}, {}}, {}}), "1 o2"},
         {"itself as object", Linked({{1, {}, {}}}), "1"},
         {"ancestor as annotation", Linked({{0, {2}, {}}, {0, {}, {1}}}), "1 (2)"},
         {"cycle through a child's object", Linked({{0, {2}, {}}, {3, {}, {}}, {0, {}, {1}}}),

@@ -1,5 +1,3 @@
-// The depth-first order of BNodeItr in both modes on one tree under several patterns of
-// inactive nodes, and removal during a walk.
 #include <gtest/gtest.h>
 #include <qv/tree/BNodeItr.h>
 #include <qv/tree/BVisitor.h>
