@@ -187,19 +187,6 @@ protected:
     void TearDown() override { CMemoryBlockManager::RegisterMemoryManager(nullptr); }
 };
 
-TEST_F(QVAllocTest, WithoutAManagerBlocksComeFromTheHeap) {
-    for (unsigned long long size : {0ull, 5 * P + 3}) {
-        CMemoryBlock* block = QVAlloc(size);
-        ASSERT_NE(block, nullptr);
-        EXPECT_FALSE(dynamic_cast<CStdMemoryBlock*>(block));
-        EXPECT_TRUE(block->Size() == size && (block->Start() == nullptr) == (size == 0)) << size;
-        if (size)
-            std::memset(block->Start(), 0x5A, size);
-        QVFree(block);
-    }
-    QVFree(nullptr);
-}
-
 TEST_F(QVAllocTest, ARegisteredManagerServesAndRejectsWhatItDidNotMake) {
     CMemoryBlock* fromHeap = QVAlloc(P);
     CStdMemoryManager manager, other;

@@ -1,5 +1,3 @@
-// Stream archives through real files: the header and object form byte for byte, nodes and
-// other objects in place, the fixed results of each direction and every failure.
 #include "persistence/ArchiveFiles.h"
 #include "persistence/ArchiveTestSupport.h"
 #include "platform/FileTestSupport.h"

@@ -59,9 +59,8 @@ TEST_F(NodeTest, ChildMessagesCarryIndexAndComeInOrder) {
     SP<BNode> root = new BNode;
     SP<BNode> x = new BNode, y = new BNode, z = new BNode;
     Sent();
-    EXPECT_TRUE(root->AddChild(x, -1));
-    EXPECT_TRUE(root->AddChild(y, 1)); // a position equal to the count appends
-    EXPECT_TRUE(root->AddChild(z, 0)); // within the list: linked in at the head
+    // A position equal to the count appends; one within the list links in before that child.
+    EXPECT_TRUE(root->AddChild(x, -1) && root->AddChild(y, 1) && root->AddChild(z, 0));
     EXPECT_TRUE(root->Child(0) == z && root->Child(2) == y);
     EXPECT_EQ(Sent(), (std::vector<Message>{{MSG_NODE_CHILD_ADDED, N(x), 0},
                                             {MSG_NODE_CHILD_ADDED, N(y), 1},
@@ -174,9 +173,7 @@ TEST_F(NodeTest, PathsFoldCaseAndSkipLeadingSlashes) {
 TEST_F(NodeTest, ChildTextSuggestion) {
     SP<BNode> root = new BNode;
     root->QueryChild(u"a");
-    root->QueryChild(u"b");
-    EXPECT_EQ(root->ChildTextSuggestion(u"Scan"), WString(u"Scan003"));
-    root->RemoveChild(u"a");
+    EXPECT_EQ(root->ChildTextSuggestion(u"Scan"), WString(u"Scan002")) << "the count plus one";
     root->QueryChild(u"scan003");
     EXPECT_EQ(root->ChildTextSuggestion(u"Scan"), WString(u"Scan004")) << "Scan003 is taken";
 }
@@ -212,7 +209,6 @@ TEST_F(NodeTest, CopySharesDecorAndDoublesChildren) {
     EXPECT_EQ(WString(source->GetText()), WString(u"a"));
 }
 
-// The walks themselves are tabled in BNodeWalk_test.cpp.
 TEST_F(NodeTest, ActivityOfBranchesAndTheMemoryOfActiveNodes) {
     SP<BNode> root = SmallTree(); // a(b(d), c)
     root->Child(u"b")->Deactivate();
