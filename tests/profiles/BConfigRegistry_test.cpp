@@ -1,5 +1,3 @@
-// Configuration trees on the registry store: root names, typed values as text, children that
-// come into being when asked for, and copies of whole trees.
 #include "platform/FileTestSupport.h"
 
 #include <qv/core/BError.h>
@@ -71,11 +69,9 @@ TEST_F(ConfigRegistry, TypedValuesTravelAsText) {
         EXPECT_EQ(std::pair(result, value), std::pair(row.result, row.value))
             << WString(row.text).ToUtf8();
     }
-    int number = 5;
-    EXPECT_EQ(config.ReadInt(u"missing", number), 32767);
-    EXPECT_EQ(number, 5);
-    EXPECT_EQ(config.ReadInt(u"i", number), 0);
-    EXPECT_EQ(number, -42);
+    int missing = 5, number = 5;
+    EXPECT_EQ(std::pair(config.ReadInt(u"missing", missing), missing), std::pair(32767, 5));
+    EXPECT_EQ(std::pair(config.ReadInt(u"i", number), number), std::pair(0, -42));
 }
 
 TEST_F(ConfigRegistry, OnlyTextValuesAreListedAndRead) {

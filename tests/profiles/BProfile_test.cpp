@@ -81,11 +81,6 @@ TEST_F(Profile, NumberedKeysAndNumberTexts) {
     EXPECT_EQ(p.ReadInt(3, u"Gain", 0), 8);
     EXPECT_EQ((p.ReadString(u"Gain3", WString()) + u" " + p.ReadString(u"pi", WString())).ToUtf8(),
               "8 3.14159265358979");
-    unsigned char bytes[2] = {0xAB, 0xCD};
-    EXPECT_TRUE(p.WriteMem(1, u"m", bytes, 2));
-    unsigned char back[2] = {};
-    EXPECT_TRUE(p.ReadMem(1, u"m", back, 2));
-    EXPECT_EQ(back[0] * 256 + back[1], 0xABCD);
     EXPECT_TRUE(p.ExistsSection(u"DEFAULT"));
     p.DeleteSection();
     EXPECT_FALSE(p.ExistsSection(u"default"));

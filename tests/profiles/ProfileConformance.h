@@ -50,7 +50,6 @@ TYPED_TEST_P(ProfileConformance, IntReadsParseClampAndKeep) {
         {"trailing text ignored", u"7.5xyz", 0, IProfile::kNoMin, IProfile::kNoMax, true, 7},
         {"missing keeps", nullptr, 9, IProfile::kNoMin, IProfile::kNoMax, false, 9},
         {"empty is missing", u"", 9, IProfile::kNoMin, IProfile::kNoMax, false, 9},
-        {"not a number keeps", u"abc", 9, IProfile::kNoMin, IProfile::kNoMax, false, 9},
         {"above max clamps", u"15", 3, 0, 10, false, 10},
         {"limits inclusive", u"10", 3, 0, 10, true, 10},
     };
@@ -93,7 +92,6 @@ TYPED_TEST_P(ProfileConformance, FloatBoolAndTextReads) {
     } const bools[] = {
         {u"TRUE", false, true, true},
         {u"1", true, false, true},
-        {u"maybe", true, false, true},
     };
     for (auto const& row : bools) {
         ASSERT_TRUE(p->WriteString(u"b", row.stored));
@@ -122,11 +120,6 @@ TYPED_TEST_P(ProfileConformance, HexReadsCountTwoForThePrefix) {
         bool const result = p->ReadHex(u"h", value, 4);
         EXPECT_EQ(std::pair(result, value), std::pair(row.result, row.value)) << row.name;
     }
-    auto p = this->Make();
-    ASSERT_TRUE(p->WriteString(u"h", u"0xBEEF"));
-    unsigned short s = 0;
-    EXPECT_TRUE(p->ReadHex(u"h", s));
-    EXPECT_EQ(s, 0xBEEF);
 }
 
 TYPED_TEST_P(ProfileConformance, TimeTextRoundTripsAndNormalises) {
@@ -138,11 +131,6 @@ TYPED_TEST_P(ProfileConformance, TimeTextRoundTripsAndNormalises) {
     EXPECT_TRUE(p->Read(u"t", back));
     _SYSTEMTIME const sunday = {2021, 3, 0, 7, 8, 5, 9, 4}; // 7 March 2021 was a Sunday
     EXPECT_EQ(std::memcmp(&back, &sunday, sizeof back), 0);
-
-    ASSERT_TRUE(p->WriteString(u"s", u" 03 / 07 / 2021  08 : 05 : 09 . 004 "));
-    _SYSTEMTIME spaced{};
-    EXPECT_TRUE(p->Read(u"s", spaced));
-    EXPECT_EQ(std::memcmp(&spaced, &back, sizeof back), 0);
 
     _SYSTEMTIME missing = t;
     EXPECT_FALSE(p->Read(u"none", missing));
@@ -179,21 +167,6 @@ TYPED_TEST_P(ProfileConformance, SectionsSelectListAndDelete) {
     EXPECT_TRUE(p->GetString(u"a", WString()).IsEmpty());
 }
 
-TYPED_TEST_P(ProfileConformance, SubProfileEntryIsFoundBesideTheProfile) {
-    auto p = this->Make();
-    p->SetSection(u"Dev");
-    ASSERT_TRUE(p->WriteString(u"rel", u"cam1.ini"));
-    ASSERT_TRUE(p->WriteString(u"abs", u"E:\\x\\cam1.ini"));
-    p->SetSection(u"S");
-    std::string const dir = U8(p->GetDir());
-    EXPECT_EQ(U8(p->GetSubProfileEntry(u"Dev", u"rel")), dir + "cam1.ini");
-    EXPECT_EQ(U8(p->GetSection()), "Dev");
-    EXPECT_EQ(U8(p->GetSubProfileEntry(u"Dev", u"abs") + u"|" +
-                 p->GetSubProfileEntry(u"Dev", u"none") + u"|" +
-                 p->GetSubProfileEntry(u"Empty", u"rel")),
-              "E:\\x\\cam1.ini||");
-}
-
 TYPED_TEST_P(ProfileConformance, FallbackWritesStoreTheCallersValue) {
     if (!StoreTraits<TypeParam>::kWritesMissing)
         GTEST_SKIP() << "this store cannot be built to write fallbacks";
@@ -220,5 +193,4 @@ TYPED_TEST_P(ProfileConformance, FallbackWritesStoreTheCallersValue) {
 REGISTER_TYPED_TEST_SUITE_P(ProfileConformance, IntReadsParseClampAndKeep,
                             NarrowAndLongReadsKeepTheValueOnAnyFailure, FloatBoolAndTextReads,
                             HexReadsCountTwoForThePrefix, TimeTextRoundTripsAndNormalises,
-                            SectionsSelectListAndDelete, SubProfileEntryIsFoundBesideTheProfile,
-                            FallbackWritesStoreTheCallersValue);
+                            SectionsSelectListAndDelete, FallbackWritesStoreTheCallersValue);
