@@ -2,9 +2,11 @@
 
 #include <chrono>
 #include <gtest/gtest.h>
+#include <numeric>
 #include <qv/core/BError.h>
 #include <qv/operations/BProgressManager.h>
 #include <qv/operations/BProgressMappingAndBreak.h>
+#include <qv/operations/BProgressMappingOMP.h>
 #include <thread>
 
 using namespace operations_test;
@@ -136,4 +138,33 @@ TEST(BProgressMappingAndBreak, RaisesOutOfTheStepWhenTheManagerSaysStop) {
     session.button->stop = true;
     EXPECT_FALSE(mapping.Next(1)) << "no update, no question";
     EXPECT_THROW(mapping.StepTo(1000), BError);
+}
+
+// An OpenMP loop sharing one mapping, its steps in a critical region, reports what a serial
+// loop reports: a loop of 2^n steps updates at its last step, so every unit is sent. A stop
+// reaches every thread through IsStopping, and stays.
+TEST(BProgressMappingOMP, AParallelLoopReportsWhatTheSerialLoopReports) {
+    constexpr long long kSteps = 1 << 14;
+    ButtonSession buttons;
+    for (bool stop : {false, true}) {
+        Session session;
+        buttons.button->stop = stop;
+        BProgressMappingOMP mapping(kSteps, 250);
+        long long skipped = 0;
+#pragma omp parallel for num_threads(2) reduction(+ : skipped)
+        for (long long i = 0; i < kSteps; ++i) {
+            if (mapping.IsStopping()) {
+                ++skipped;
+                continue;
+            }
+#pragma omp critical(qv_progress_test)
+            mapping.Next(1);
+        }
+        EXPECT_EQ(mapping.IsStopping(), stop);
+        EXPECT_EQ(skipped > 0, stop);
+        auto const steps = session.dispatcher->Steps();
+        if (!stop) {
+            EXPECT_EQ(std::accumulate(steps.begin(), steps.end(), 0ull), 250u);
+        }
+    }
 }

@@ -21,3 +21,18 @@ TEST(BMemory, BufferOnlyGrowsAndKeepsItsContents) {
     EXPECT_EQ(memory.Size(), 1u << 20);
     memory.Release();
 }
+
+TEST(BMemory, DuplicateCopiesAndTheOwnerMayNest) {
+    BMemory memory;
+    char const source[] = "measurement";
+    auto* copy = static_cast<char*>(memory.Duplicate(source, sizeof source));
+    ASSERT_NE(copy, nullptr);
+    EXPECT_STREQ(copy, "measurement");
+    // The same thread takes the lock again; each Allocate has its Release.
+    EXPECT_EQ(memory.Duplicate(nullptr, 4), copy);
+    EXPECT_STREQ(copy, "measurement");
+    memory.Release();
+    memory.Release();
+    memory.Release(); // one too many: ignored
+    EXPECT_EQ(memory.Duplicate(source, 0), nullptr);
+}
