@@ -24,7 +24,6 @@ class ObjectArchive : public testing::Test {
 protected:
     std::u16string Path() const { return m_dir.U("a.qva"); }
     void Write(std::string const& bytes) const { WriteBytes(m_dir / "a.qva", bytes); }
-    // Writes the objects under their names and closes the archive.
     void Store(std::initializer_list<std::pair<BSmartObj*, char const*>> objects) const {
         BQuorvelArchive out(Path().c_str(), BArchive::WRITE, kName, 3);
         for (auto [object, name] : objects)
@@ -56,8 +55,7 @@ TEST_F(ObjectArchive, SharedObjectsAreStoredOnceAndLoadedAsOneInstance) {
 
     auto in = Open();
     SP<ArchiveItem> loaded = AsItem(in->TakeOut("tree"));
-    ASSERT_TRUE(loaded);
-    ASSERT_EQ(Kids(*loaded), "x y z");
+    ASSERT_EQ(loaded ? Kids(*loaded) : "<null>", "x y z");
     ArchiveTag* loadedTag = loaded->m_children[0]->m_tags[0];
     EXPECT_EQ(loadedTag->m_value, 42);
     EXPECT_EQ(SP<ArchiveTag>(loaded->m_object).get(), loadedTag);
@@ -83,22 +81,19 @@ struct BackwardItem : ArchiveItem {
     }
     SP<BSmartObj> m_unread;
 };
-bool const backwardRegistered = [] {
-    RegisterArchiveCallback("class BackwardItem", &ArchiveItem::ReadAs<BackwardItem>);
-    return true;
-}();
+[[maybe_unused]] bool const backwardRegistered =
+    (RegisterArchiveCallback("class BackwardItem", &ArchiveItem::ReadAs<BackwardItem>), true);
 
 TEST_F(ObjectArchive, ResolvingInAnyOrderFindsEachNumber) {
     // The children: an item, a tag (no item), the item again, an unknown class, a number no
     // record has.
-    Write(Header() +
-          Record("1", "tree", "class BackwardItem", 3, ItemData(3, {2, 3, 2, 4, 9}, 2, "r")) +
-          Record("2", "", "class ArchiveItem", 3, ItemData(0, {}, 1, "a")) +
-          Record("3", "", "class ArchiveTag", 0, Le32(7)) + Record("4", "", "class Nobody", 0, ""));
-    auto in = Open();
+    auto in = Open(
+        Header() +
+        Record("1", "tree", "class BackwardItem", 3, ItemData(3, {2, 3, 2, 4, 9}, 2, "r")) +
+        Record("2", "", "class ArchiveItem", 3, ItemData(0, {}, 1, "a")) +
+        Record("3", "", "class ArchiveTag", 0, Le32(7)) + Record("4", "", "class Nobody", 0, ""));
     SP<BackwardItem> root(in->TakeOut("tree"));
-    ASSERT_TRUE(root);
-    EXPECT_EQ(Kids(*root), "a <null> a <null> <null>");
+    ASSERT_EQ(root ? Kids(*root) : "<null>", "a <null> a <null> <null>");
     ArchiveItem* a = root->m_children[0];
     EXPECT_TRUE(root->m_children[2].get() == a && root->m_parent == a && a->m_parent == root);
     EXPECT_EQ(SP<ArchiveTag>(root->m_object)->m_value, 7);
@@ -116,9 +111,9 @@ TEST_F(ObjectArchive, LongListsResolveInLinearTimeInAnyOrder) {
         children += Le64(i % 2 ? 0 : 2);
     std::string const data =
         Le64(0) + Le32(count) + children + Le32(0) + Le64(0) + WStr("r") + Le32(0);
-    Write(Header() + Record("1", "tree", "class BackwardItem", 3, data) +
-          Record("2", "", "class ArchiveItem", 3, ItemData(0, {}, 1, "kid")));
-    SP<ArchiveItem> root(Open()->TakeOut("tree"));
+    SP<ArchiveItem> root(Open(Header() + Record("1", "tree", "class BackwardItem", 3, data) +
+                              Record("2", "", "class ArchiveItem", 3, ItemData(0, {}, 1, "kid")))
+                             ->TakeOut("tree"));
     ASSERT_TRUE(root);
     ASSERT_EQ(root->m_children.Count(), count);
     int nulls = 0;
@@ -142,19 +137,16 @@ struct NestingItem : ArchiveItem {
     }
     SP<BSmartObj> m_fromRead, m_fromUpdate;
 };
-bool const nestingRegistered = [] {
-    RegisterArchiveCallback("class NestingItem", &NestingItem::Read);
-    return true;
-}();
+[[maybe_unused]] bool const nestingRegistered =
+    (RegisterArchiveCallback("class NestingItem", &NestingItem::Read), true);
 
 TEST_F(ObjectArchive, TakeOutFromInsideALoadKeepsTheOuterNumbers) {
-    Write(Header() + Record("1", "tree", "class NestingItem", 3, ItemData(3, {2, 3}, 0, "r")) +
-          Record("2", "x", "class ArchiveItem", 3, ItemData(0, {}, 1, "x")) +
-          Record("3", "y", "class ArchiveItem", 3, ItemData(0, {2}, 1, "y")));
-    auto in = Open();
+    auto in =
+        Open(Header() + Record("1", "tree", "class NestingItem", 3, ItemData(3, {2, 3}, 0, "r")) +
+             Record("2", "x", "class ArchiveItem", 3, ItemData(0, {}, 1, "x")) +
+             Record("3", "y", "class ArchiveItem", 3, ItemData(0, {2}, 1, "y")));
     SP<NestingItem> root(in->TakeOut("tree"));
-    ASSERT_TRUE(root);
-    ASSERT_EQ(Kids(*root), "x y");
+    ASSERT_EQ(root ? Kids(*root) : "<null>", "x y");
     BSmartObj *x = root->m_children[0].get(), *y = root->m_children[1].get();
     EXPECT_TRUE(x == root->m_fromRead.get() && y == root->m_fromUpdate.get() &&
                 root->m_object.get() == y && root->m_children[1]->m_children[0].get() == x);
@@ -239,8 +231,7 @@ TEST_F(ObjectArchive, OlderFormatsReadWithTheirWidths) {
                      format) +
               Record("2", "", "ArchiveItem", 3, ItemData(0, {}, 1, "leaf", width), format));
         SP<ArchiveItem> root = AsItem(Open()->TakeOut("tree"));
-        ASSERT_TRUE(root) << format;
-        ASSERT_EQ(Kids(*root), "leaf") << format;
+        ASSERT_EQ(root ? Kids(*root) : "<null>", "leaf") << format;
         EXPECT_EQ(root->m_children[0]->m_parent, root.get());
     }
 }
@@ -250,8 +241,7 @@ TEST_F(ObjectArchive, WriteFailuresShowInIsGood) {
         GTEST_SKIP();
     BQuorvelArchive out(u"/dev/full", BArchive::WRITE, kName, 3);
     ASSERT_TRUE(out.IsGood());
-    SP<ArchiveItem> a = Item("a");
-    out.Insert(a, "a");
+    out.Insert(Item("a"), "a");
     out.Flush();
     EXPECT_TRUE(!out.IsGood() && !out.Flush() && out.WriteMemoryBlock("x", 1) == 0);
 }
@@ -266,8 +256,7 @@ struct FailingWriter : BSmartObj {
 TEST_F(ObjectArchive, AnExceptionFromWriteDataInTheDestructorLeavesARefusedFile) {
     {
         BQuorvelArchive out(Path().c_str(), BArchive::WRITE, kName, 3);
-        SP<ArchiveItem> good = Item("good");
-        out.Insert(good, "good");
+        out.Insert(Item("good"), "good");
         EXPECT_TRUE(out.Flush());
         out.Insert(new FailingWriter, "bad");
     } // the destructor cannot report: the record keeps its placeholder
@@ -322,11 +311,9 @@ struct GivingUp : ArchiveItem {
         return nullptr;
     }
 };
-bool const givingUpRegistered = [] {
-    RegisterArchiveCallback("class ThrowingItem", &GivingUp::Throw);
-    RegisterArchiveCallback("class RefusingItem", &GivingUp::Refuse);
-    return true;
-}();
+[[maybe_unused]] bool const givingUpRegistered =
+    (RegisterArchiveCallback("class ThrowingItem", &GivingUp::Throw),
+     RegisterArchiveCallback("class RefusingItem", &GivingUp::Refuse), true);
 
 TEST_F(ObjectArchive, FilesThatLieAboutLengthsAreRefusedWhole) {
     std::string const good = Record("1", "a", "class ArchiveItem", 3, ItemData(0, {}, 0, "a"));
@@ -359,16 +346,15 @@ TEST_F(ObjectArchive, AReadFunctionThatThrowsLeavesNoNumberBehind) {
     // The half-done load is taken up by the next call: the root is resolved, and the child
     // that could not be built comes out null rather than as a number.
     SP<ArchiveItem> root(in->TakeOut("tree"));
-    ASSERT_TRUE(root);
-    EXPECT_EQ(Kids(*root), "<null> c"); // c was still in the later list, loaded now
+    ASSERT_EQ(root ? Kids(*root) : "<null>", "<null> c"); // c was still in the later list
     EXPECT_EQ(root->m_updates, 1);
 }
 
 TEST_F(ObjectArchive, ReadFunctionsThatRefuseEachOtherEndTheLoad) {
     auto in = Open(Header() + Record("1", "a", "class RefusingItem", 3, ItemData(2, {}, 0, "a")) +
                    Record("2", "b", "class RefusingItem", 3, ItemData(1, {}, 0, "b")));
-    EXPECT_FALSE(in->TakeOut("a"));
-    EXPECT_FALSE(in->TakeOut("b"));
+    for (char const* key : {"a", "b"})
+        EXPECT_FALSE(in->TakeOut(key)) << key;
 }
 
 } // namespace
