@@ -142,8 +142,7 @@ TEST_F(StreamArchiveTest, ObjectsComeBackInOrderWhateverTheName) {
 
     SP<ArchiveItem> back = in.TakeOut("");
     ASSERT_TRUE(back && back->m_object);
-    EXPECT_EQ(SP<ArchiveTag>(back->m_object)->m_value, 9);
-    ASSERT_EQ(Kids(*back), "kid");
+    ASSERT_EQ(Kids(*back) + " " + std::to_string(SP<ArchiveTag>(back->m_object)->m_value), "kid 9");
     ArchiveItem* k = back->m_children[0];
     EXPECT_TRUE(k->m_value == 3 && !k->m_parent) << "the plain parent reference took 8 bytes";
     ASSERT_EQ(k->m_tags.Count(), 2);
@@ -151,8 +150,7 @@ TEST_F(StreamArchiveTest, ObjectsComeBackInOrderWhateverTheName) {
     EXPECT_EQ(k->m_updates, 0) << "nothing calls UpdateAssociations";
 
     SP<Counted> last = in.TakeOut("");
-    ASSERT_TRUE(last);
-    EXPECT_EQ(last->verified, 1) << "VerifyObj is asked once";
+    EXPECT_EQ(last ? last->verified : -1, 1) << "VerifyObj is asked once";
     EXPECT_FALSE(in.TakeOut("")) << "the end of the file gives null";
     EXPECT_TRUE(in.IsGood());
 }
@@ -212,8 +210,7 @@ TEST_F(StreamArchiveTest, DamagedAndForeignFiles) {
     };
     for (Row const& row : rows)
         EXPECT_EQ(outcome(row.bytes), row.outcome) << row.name;
-    BIStreamArchive missing(WString(dir.U("missing.qvs").c_str()), u"N");
-    EXPECT_FALSE(missing.IsGood());
+    EXPECT_FALSE(BIStreamArchive(WString(dir.U("missing.qvs").c_str()), u"N").IsGood());
     BOStreamArchive unwritable(WString(dir.U("no/such/dir.qvs").c_str()), u"N");
     EXPECT_FALSE(unwritable.IsGood());
     EXPECT_THROW(unwritable.Insert(nullptr, nullptr), BError);
