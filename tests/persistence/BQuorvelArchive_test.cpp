@@ -215,8 +215,7 @@ TEST_F(ObjectArchive, HeaderChecks) {
         {"format 2", Header(kName, 3, "class BArchive", 2), 2},
     };
     for (Row const& row : rows) {
-        Write(row.bytes);
-        auto in = Open();
+        auto in = Open(row.bytes);
         EXPECT_EQ(in->IsGood() ? in->Version() : 0, row.format) << row.name;
         EXPECT_FALSE(in->TakeOut("1")) << row.name << ": a header alone is an empty archive";
     }
@@ -288,9 +287,9 @@ TEST_F(ObjectArchive, PrefixAcrossTheReadAheadBufferIsRead) {
         std::string const first =
             Record("1", "first", "class ArchiveItem", 3, ItemData(0, {}, 0, text));
         ASSERT_EQ(first.size(), firstSize) << row.name;
-        Write(Header() + first +
-              Record("2", row.storedName, "class ArchiveItem", 3, ItemData(0, {}, 0, "b")));
-        auto archive = Open();
+        auto archive =
+            Open(Header() + first +
+                 Record("2", row.storedName, "class ArchiveItem", 3, ItemData(0, {}, 0, "b")));
         EXPECT_EQ(Text(AsItem(archive->TakeOut(row.key))), "b") << row.name;
         EXPECT_EQ(Text(AsItem(archive->TakeOut("first"))).size(), text.size()) << row.name;
     }
