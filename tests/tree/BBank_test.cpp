@@ -99,10 +99,8 @@ TEST(BankNodes, ContainerAndPathRoundTrips) {
 TEST(BankNodes, PathsOfNodesAndObjects) {
     BBank bank;
     BBank copy = bank;
-    SP<BSmartObj> shared = new BNode;
-    SP<BSmartObj> lone = new BNode;
-    BNode* hidden = copy.Container(u"a/hidden");
-    hidden->SetObj(shared);
+    SP<BSmartObj> shared = new BNode, lone = new BNode;
+    copy.Container(u"a/hidden")->SetObj(shared);
     bank.Container(u"a")->Deactivate();
     bank.Container(u"b")->SetObj(shared);
     bank.Container(u"c/d")->SetObj(lone);
