@@ -2,10 +2,10 @@
 // byte for byte, Windows' listing orders and buffer rules, and a foreign file left as it was.
 #include "platform/FileTestSupport.h"
 
-#include <cstring>
 #include <qv/platform/Registry.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 using namespace qv::platform;
 
@@ -26,14 +26,23 @@ protected:
     static std::string Bytes(std::u16string const& text) {
         return std::string(reinterpret_cast<char const*>(text.c_str()), text.size() * 2 + 2);
     }
-    static std::string Query(HKEY key, char16_t const* name, std::uint32_t& type) {
-        std::uint32_t size = 0;
+    // The data and the type of a value.
+    static std::pair<std::string, std::uint32_t> Query(HKEY key, char16_t const* name) {
+        std::uint32_t size = 0, type = 0;
         if (RegQueryValueExW(key, name, nullptr, &type, nullptr, &size) != ERROR_SUCCESS)
-            return "missing";
+            return {"missing", 0};
         std::string data(size, '\0');
         RegQueryValueExW(key, name, nullptr, &type, reinterpret_cast<unsigned char*>(data.data()),
                          &size);
-        return data;
+        return {data, type};
+    }
+    // How many values, the longest name and the longest data.
+    static std::vector<std::uint32_t> Info(HKEY key) {
+        std::uint32_t values = 0, longestName = 0, longestData = 0;
+        EXPECT_EQ(RegQueryInfoKeyW(key, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                   &values, &longestName, &longestData, nullptr, nullptr),
+                  ERROR_SUCCESS);
+        return {values, longestName, longestData};
     }
     void Set(HKEY key, char16_t const* name, std::uint32_t type, std::string const& data) {
         EXPECT_EQ(RegSetValueExW(key, name, 0, type,
@@ -62,22 +71,19 @@ TEST_F(RegistryStore, RegeditExportLoadsEveryTypeAndIsWrittenBackByteForByte) {
         {u"Exp", REG_EXPAND_SZ, Bytes(u"%PATH%;x")},
         {u"Multi", REG_MULTI_SZ, std::string("o\0n\0e\0\0\0t\0w\0o\0\0\0\0\0", 18)},
     };
-    for (Row const& row : rows) {
-        std::uint32_t type = 0;
-        EXPECT_EQ(Query(key, row.name, type), row.data) << std::string(row.name, row.name + 1);
-        EXPECT_EQ(type, row.type);
-    }
+    for (Row const& row : rows)
+        EXPECT_EQ(Query(key, row.name), std::pair(row.data, row.type))
+            << std::string(row.name, row.name + 1);
     HKEY wrap = Open(u"Software\\QvProbe\\Wrap");
-    std::uint32_t type = 0;
-    EXPECT_EQ(Query(wrap, u"LongBin", type).size(), 100u);
-    EXPECT_EQ(Query(wrap, u"EmptyBin", type), "");
+    EXPECT_EQ(Query(wrap, u"LongBin").first.size(), 100u);
+    EXPECT_EQ(Query(wrap, u"EmptyBin").first, "");
 
     // A write prints the whole root again: the keys above the exported one come first.
     Set(key, u"Text", REG_SZ, Bytes(u"a \"quoted\" \\back\\slash"));
     std::u16string ancestors = u"[HKEY_CURRENT_USER]\r\n\r\n[HKEY_CURRENT_USER\\Software]\r\n\r\n";
     std::string expected = exported;
-    std::size_t body = expected.find(std::string("[\0H", 3));
-    expected.insert(body, reinterpret_cast<char const*>(ancestors.data()), ancestors.size() * 2);
+    expected.insert(expected.find(std::string("[\0H", 3)),
+                    reinterpret_cast<char const*>(ancestors.data()), ancestors.size() * 2);
     EXPECT_EQ(ReadBytes(m_dir / "HKEY_CURRENT_USER.reg"), expected);
     RegCloseKey(wrap);
     RegCloseKey(key);
@@ -122,13 +128,7 @@ TEST_F(RegistryStore, SmallBuffersAreAnsweredWithTheSizeNeeded) {
     std::uint32_t length = 4;
     EXPECT_EQ(RegEnumValueW(key, 0, name, &length, nullptr, nullptr, nullptr, nullptr),
               ERROR_MORE_DATA);
-    std::uint32_t values = 0, longestName = 0, longestData = 0;
-    EXPECT_EQ(RegQueryInfoKeyW(key, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &values,
-                               &longestName, &longestData, nullptr, nullptr),
-              ERROR_SUCCESS);
-    EXPECT_EQ(values, 1u);
-    EXPECT_EQ(longestName, 8u);
-    EXPECT_EQ(longestData, 40u);
+    EXPECT_EQ(Info(key), (std::vector<std::uint32_t>{1, 8, 40}));
     EXPECT_EQ(RegQueryValueExW(key, u"none", nullptr, nullptr, nullptr, &size),
               ERROR_FILE_NOT_FOUND);
     RegCloseKey(key);
@@ -166,10 +166,7 @@ TEST_F(RegistryStore, ProcessesWritingAtOnceLoseNoValue) {
     int status = 0;
     ::waitpid(child, &status, 0);
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
-    std::uint32_t values = 0;
-    RegQueryInfoKeyW(key, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &values, nullptr,
-                     nullptr, nullptr, nullptr);
-    EXPECT_EQ(values, 40u);
+    EXPECT_EQ(Info(key)[0], 40u);
     RegCloseKey(key);
 }
 
