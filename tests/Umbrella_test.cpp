@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 #include <map>
 #include <qv/qvcore.h>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -26,9 +25,17 @@ std::string ReadText(fs::path const& path) {
 // The qv/... paths a header includes with angle brackets.
 std::vector<std::string> Includes(std::string const& text) {
     std::vector<std::string> found;
-    std::regex const include(R"((?:^|\n)[ \t]*#[ \t]*include[ \t]*<(qv/[^>]+)>)");
-    for (std::sregex_iterator it(text.begin(), text.end(), include), end; it != end; ++it)
-        found.push_back((*it)[1]);
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        auto const hash = line.find_first_not_of(" \t");
+        auto const open = line.find("<qv/");
+        if (hash == std::string::npos || line[hash] != '#' ||
+            line.find("include") == std::string::npos || open == std::string::npos)
+            continue;
+        auto const close = line.find('>', open);
+        if (close != std::string::npos)
+            found.push_back(line.substr(open + 1, close - open - 1));
+    }
     return found;
 }
 
