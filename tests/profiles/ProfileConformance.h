@@ -59,8 +59,9 @@ TYPED_TEST_P(ProfileConformance, IntReadsParseClampAndKeep) {
     };
     for (auto const& row : rows) {
         auto p = this->Make();
-        if (row.stored)
+        if (row.stored) {
             ASSERT_TRUE(p->WriteString(u"k", row.stored)) << row.name;
+        }
         EXPECT_EQ(ReadFrom(*p, u"k", row.start, row.min, row.max), std::pair(row.result, row.value))
             << row.name;
     }
