@@ -34,6 +34,27 @@ public:
     template <class U>
     requires(!std::is_same_v<U, T>) SP(SP<U> const& other)
     noexcept : SP(Convert(other.get())) {}
+    /// From an SP of another type that is given up: a converted object takes the other's
+    /// reference along, so that no count changes; one of another type leaves this null and
+    /// the other as it was.
+    template <class U>
+    requires(!std::is_same_v<U, T>) SP(SP<U>&& other)
+    noexcept : m_p(Convert(other.m_p)) {
+        if (m_p)
+            other.m_p = nullptr;
+    }
+
+    /// The first owner of an object just made, which no other thread can reach yet and no SP
+    /// holds: the same as SP(made), without the atomic step. Code that makes many objects in a
+    /// row (a load makes one per record) saves that step on each.
+    static SP FirstOwner(T* made) noexcept {
+        SP owner;
+        if (made) {
+            made->RefFirst();
+            owner.m_p = made;
+        }
+        return owner;
+    }
 
     /// Lets go of the object, which is destroyed when this was its last owner.
     ~SP() {

@@ -27,6 +27,9 @@ public:
     ///@{
     /// Adds an owner.
     void Ref() const noexcept { m_count.fetch_add(1, std::memory_order_relaxed); }
+    /// Counts the first owner of an object that no other thread can reach yet, with a plain
+    /// store where Ref makes an atomic step. The count must be 0.
+    void RefFirst() const noexcept { m_count.store(1, std::memory_order_relaxed); }
     /// Drops an owner; the last one destroys the object through its virtual destructor (it
     /// must have been made with new).
     void Unref() const noexcept {

@@ -91,6 +91,23 @@ TEST(SP, CheckedConversionTakesItsOwnReference) {
     EXPECT_EQ(both->RefCount(), 3);
 }
 
+TEST(SP, MovesAcrossTypesWithoutCountingAndCountsAFirstOwner) {
+    Probe::destroyed = 0;
+    SP<BSmartObj> base = SP<BSmartObj>::FirstOwner(new Derived);
+    EXPECT_EQ(base->RefCount(), 1);
+    SP<Probe> down = std::move(base);
+    EXPECT_FALSE(base);
+    EXPECT_EQ(down->RefCount(), 1) << "the reference moved along";
+    SP<BError> wrong = std::move(down);
+    EXPECT_FALSE(wrong);
+    ASSERT_TRUE(down) << "an object of another type stays with the source";
+    SP<BSmartObj> up = std::move(down);
+    EXPECT_EQ(up->RefCount(), 1);
+    up = nullptr;
+    EXPECT_EQ(Probe::destroyed, 1);
+    EXPECT_FALSE(SP<Probe>::FirstOwner(nullptr));
+}
+
 TEST(BSmartObj, NamesIdsAndValidity) {
     SP<BSmartObj> p = new Derived, both = new Both;
     Unregistered loose;
