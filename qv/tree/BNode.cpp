@@ -266,7 +266,8 @@ void BNode::WriteData(BArchive& archive) const {
 }
 
 SP<BSmartObj> BNode::Read(BArchive& archive, int version) {
-    SP<BNode> node = ::new (NodeBlocks::OfThread().Take(sizeof(BNode), alignof(BNode))) BNode;
+    SP<BNode> node = SP<BNode>::FirstOwner(
+        ::new (NodeBlocks::OfThread().Take(sizeof(BNode), alignof(BNode))) BNode);
     node->m_inBlock = true;
     node->m_underLoad = archive.ResolvesLater();
     archive.ReadObjectRef(node->m_object);
