@@ -138,17 +138,20 @@ inline void WriteBoost(std::shared_ptr<Node> const& root, std::string const& pat
     archive << root;
 }
 
+inline std::shared_ptr<Node> LoadBoost(std::string const& path) {
+    std::shared_ptr<Node> root;
+    std::ifstream in(path, std::ios::binary);
+    boost::archive::binary_iarchive archive(in);
+    archive >> root;
+    return root;
+}
+
 // Reads the tree back as many times as the case runs; the heap the loaded tree holds per node
 // goes to the counter bytes_per_node.
 inline void BoostLoadCase(benchmark::State& state, std::string const& path) {
     for (auto _ : state) {
-        std::shared_ptr<Node> root;
         double before = HeapInUse();
-        {
-            std::ifstream in(path, std::ios::binary);
-            boost::archive::binary_iarchive archive(in);
-            archive >> root;
-        }
+        std::shared_ptr<Node> root = LoadBoost(path);
         benchmark::DoNotOptimize(root.get());
         state.PauseTiming(); // freeing the tree is not loading it, on either side
         state.counters["bytes_per_node"] =
