@@ -27,9 +27,6 @@ public:
     ///@{
     /// Adds an owner.
     void Ref() const noexcept { m_count.fetch_add(1, std::memory_order_relaxed); }
-    /// Counts the first owner of an object that no other thread can reach yet, with a plain
-    /// store where Ref makes an atomic step. The count must be 0.
-    void RefFirst() const noexcept { m_count.store(1, std::memory_order_relaxed); }
     /// Drops an owner; the last one destroys the object through its virtual destructor (it
     /// must have been made with new).
     void Unref() const noexcept {
@@ -49,6 +46,12 @@ public:
     }
 
 private:
+    // SP<T>::FirstOwner alone may count an owner without the atomic step: only the code that
+    // has just made an object knows that no other thread can reach it yet.
+    template <class T>
+    friend class SP;
+    void RefFirst() const noexcept { m_count.store(1, std::memory_order_relaxed); }
+
     // 32 bits as on Windows: after 2^31 - 1 objects the numbers wrap to negative values.
     static std::int32_t NextUniqueID() noexcept {
         std::uint32_t last =
